@@ -1,0 +1,99 @@
+// The scene that a caller hands over: plain data, no behaviour. World frame: right-handed, Z up,
+// metres, with the scene near its own origin (callers subtract a double-precision centre first).
+#pragma once
+
+#include "renderer/vec.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace renderer {
+
+/// One indexed triangle mesh. All triangles share one material.
+struct Mesh {
+    std::vector<Vec3> positions;                      ///< metres
+    std::vector<Vec3> normals;                        ///< empty, or one unit vector a position
+    std::vector<Vec2> uvs;                            ///< empty, or one a position
+    std::vector<std::array<std::uint32_t, 3>> triangles; ///< indices into positions
+    std::uint32_t material = 0;                       ///< index into Scene::materials
+};
+
+/// A surface: a diffuse base under a dielectric coat (GGX), or a metal, or thin/solid glass.
+/// Every surface is two-sided.
+struct Material {
+    Rgb base_color{0.7f, 0.7f, 0.7f}; ///< linear reflectance, each channel 0 to 1
+    float roughness = 0.6f;           ///< 0 mirror to 1 (perceptual; alpha is its square)
+    float metallic = 0.0f;            ///< 0 dielectric, 1 metal
+    float specular = 0.5f;            ///< dielectric reflectance scale, 0.5 is index 1.5
+    float transmission = 0.0f;        ///< share of light that passes through, 0 to 1
+    float ior = 1.5f;
+    Rgb emission{0, 0, 0}; ///< radiance, W/(m^2 sr)
+};
+
+/// The sun as a disc of uniform radiance.
+struct Sun {
+    Vec3 direction{0, 0, 1};               ///< unit vector from the scene towards the sun
+    float angular_diameter_degrees = 0.53f;
+    float intensity = 1.0f;                ///< factor on the physical irradiance
+};
+
+/// A clear physical sky for the sun's position, computed once per render.
+struct PhysicalSky {
+    Vec3 sun_direction{0, 0, 1}; ///< unit vector towards the sun, also when the disc is off
+    float turbidity = 2.5f;      ///< 1.7 very clear to 10 hazy
+    float intensity = 1.0f;      ///< factor on the physical radiance
+    float saturation = 1.0f;     ///< 0 grey, 1 as computed
+    Rgb ground_albedo{0.25f, 0.25f, 0.25f};
+};
+
+/// The environment: a physical sky, or one constant radiance, or black.
+struct Environment {
+    std::optional<PhysicalSky> sky;
+    std::optional<Sun> sun;
+    Rgb constant{0, 0, 0};
+    bool visible = true; ///< seen by camera rays; when off they see `background`
+    Rgb background{0, 0, 0};
+};
+
+/// An endless horizontal plane. It receives light and shadow like any surface.
+struct GroundPlane {
+    float elevation = 0; ///< world z in metres
+    std::uint32_t material = 0;
+};
+
+struct Camera {
+    enum class Projection { perspective, parallel };
+    Projection projection = Projection::perspective;
+    Vec3 eye{0, -10, 2};
+    Vec3 target{0, 0, 0};
+    Vec3 up{0, 0, 1};
+    float vertical_fov_degrees = 40; ///< perspective: full angle over the picture's height
+    float view_height = 10;          ///< parallel: metres over the picture's height
+    Vec2 lens_shift{0, 0};           ///< shift of the picture in heights, for upright verticals
+};
+
+struct Scene {
+    std::vector<Mesh> meshes;
+    std::vector<Material> materials; ///< at least one
+    Environment environment;
+    std::optional<GroundPlane> ground;
+    Camera camera;
+};
+
+struct RenderSettings {
+    int width = 1200;
+    int height = 800;
+    int passes = 20;          ///< at least 1
+    int samples_per_pass = 4; ///< paths a pixel in one pass
+    double max_seconds = 0;   ///< 0 means no limit; tested between tiles of a pass
+    std::uint32_t seed = 1;
+    int threads = 0; ///< 0 means all cores
+    int max_bounces = 12;
+    float clamp = 0;           ///< radiance limit of an indirect sample; 0 is unbiased
+    float filter_radius = 1.5f; ///< pixels, Blackman-Harris
+};
+
+} // namespace renderer
