@@ -1,0 +1,69 @@
+// Block references, arrays of them, and their attributes.
+#pragma once
+
+#include "host/db/text.h"
+
+#include <vector>
+
+class AcDbBlockReference : public AcDbEntity {
+    ACRX_DECLARE_MEMBERS(AcDbBlockReference)
+public:
+    AcDbObjectId blockTableRecord() const { return block_; }
+    void setBlockTableRecord(AcDbObjectId block) { block_ = block; }
+    /// The name as the file spells it; it stands for the block when that is missing.
+    std::string blockName() const;
+    AcGePoint3d position() const { return position_; } ///< object system, as stored
+    void setPosition(const AcGePoint3d& p) { position_ = p; }
+    AcGeScale3d scaleFactors() const { return scale_; }
+    void setScaleFactors(const AcGeScale3d& s) { scale_ = s; }
+    double rotation() const { return rotation_; }
+    void setRotation(double r) { rotation_ = r; }
+    AcGeVector3d normal() const { return normal_; }
+    void setNormal(const AcGeVector3d& n) { normal_ = n; }
+    /// From the block's coordinates (base point taken off) to those of the reference's owner.
+    AcGeMatrix3d blockTransform() const;
+    const std::vector<AcDbObjectId>& attributes() const { return attributes_; }
+    void appendAttribute(AcDbObjectId attribute) { attributes_.push_back(attribute); }
+
+    Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
+    const char* notRenderedReason() const override;
+    /// Pushes the transform and lets the block's entities draw themselves through
+    /// AcGiGeometry::draw. A block that inserts itself, or nesting deeper than 64 levels, is not
+    /// entered.
+    bool worldDraw(AcGiWorldDraw* draw) override;
+    void dxfIn(const dxf::ObjectTags& tags) override;
+    void dxfOut(dxf::TagWriter& writer) const override;
+
+protected:
+    friend struct DxfAccess;
+    /// Draws the block once under `transform`.
+    void drawOnce(AcGiWorldDraw* draw, const AcGeMatrix3d& transform) const;
+    AcDbObjectId block_;
+    AcGePoint3d position_;
+    AcGeScale3d scale_;
+    AcGeVector3d normal_ = AcGeVector3d::kZAxis;
+    double rotation_ = 0;
+    std::vector<AcDbObjectId> attributes_;
+};
+
+/// An array of references: columns along the rotated X axis, rows along Y.
+class AcDbMInsertBlock : public AcDbBlockReference {
+    ACRX_DECLARE_MEMBERS(AcDbMInsertBlock)
+public:
+    int columns() const { return columns_; }
+    int rows() const { return rows_; }
+    double columnSpacing() const { return column_spacing_; }
+    double rowSpacing() const { return row_spacing_; }
+    void setArray(int columns, int rows, double column_spacing, double row_spacing);
+    /// The transform of one member, row and column from 0.
+    AcGeMatrix3d memberTransform(int row, int column) const;
+
+    Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
+    bool worldDraw(AcGiWorldDraw* draw) override;
+    void dxfIn(const dxf::ObjectTags& tags) override;
+    void dxfOut(dxf::TagWriter& writer) const override;
+
+private:
+    int columns_ = 1, rows_ = 1;
+    double column_spacing_ = 0, row_spacing_ = 0;
+};

@@ -1,0 +1,101 @@
+// The command line: commands in groups, prompts, selection sets. All user input goes through one
+// input port, so that a script, a test and a window drive the same code.
+#pragma once
+
+#include "host/db/object_id.h"
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+using AcRxFunctionPtr = void (*)();
+
+enum AcRxCommandFlags { ACRX_CMD_MODAL = 0, ACRX_CMD_TRANSPARENT = 1 };
+
+struct AcEdCommand {
+    std::string group, global_name, local_name;
+    int flags = 0;
+    AcRxFunctionPtr function = nullptr;
+};
+
+/// The commands of all loaded modules.
+class AcEdCommandStack {
+public:
+    /// False when the group has the name already.
+    bool addCommand(const std::string& group, const std::string& global_name,
+                    const std::string& local_name, int flags, AcRxFunctionPtr function);
+    bool removeGroup(const std::string& group);
+    /// By local or global name, a leading underscore ignored, without case; the last group wins.
+    const AcEdCommand* lookup(const std::string& name) const;
+    const std::vector<AcEdCommand>& commands() const { return commands_; }
+
+private:
+    std::vector<AcEdCommand> commands_;
+};
+AcEdCommandStack& acedRegCmds();
+
+/// Where input comes from and output goes to.
+class AcEdInputPort {
+public:
+    virtual ~AcEdInputPort() = default;
+    /// One line as the user ends it, shown `prompt`; none at the end of input.
+    virtual std::optional<std::string> readLine(const std::string& prompt) = 0;
+    virtual void write(const std::string& text) = 0;
+};
+/// The default port reads nothing and drops output. The old port is returned.
+AcEdInputPort* acedSetInputPort(AcEdInputPort* port);
+
+/// Results of prompts.
+enum AcEdResult { RTNORM = 5100, RTERROR = -5001, RTCAN = -5002, RTNONE = 5000 };
+
+/// Writes to the command line.
+void acutPrintf(const std::string& text);
+/// Queues words, as if typed on the running command's line.
+void acedPushInput(std::vector<std::string> words);
+/// The next queued word, if any: what was typed behind the command's name.
+std::optional<std::string> acedTakePendingInput();
+/// A line of text; at most `max_length` characters. RTNONE for an empty answer.
+int acedGetString(const std::string& prompt, std::string& result, std::size_t max_length = 512);
+int acedGetInt(const std::string& prompt, int& result);
+/// One of `keywords` (blank-separated, capitals abbreviate); RTNONE for an empty answer.
+int acedGetKword(const std::string& keywords, const std::string& prompt, std::string& result);
+void acedPostCommandPrompt();
+
+/// Runs a command line: the name, then words that answer its prompts. False for an unknown
+/// command; an exception that leaves the command is caught and told at the command line.
+bool acedCommand(const std::string& line);
+
+/// A selection set.
+class AcEdSelectionSet {
+public:
+    std::size_t length() const { return ids_.size(); }
+    AcDbObjectId at(std::size_t index) const;
+    std::vector<AcDbObjectId>& ids() { return ids_; }
+
+private:
+    std::vector<AcDbObjectId> ids_;
+};
+/// Mode "_A": all entities of the current drawing's model space. RTERROR when nothing is selected.
+int acedSSGet(const std::string& mode, AcEdSelectionSet& set);
+
+AcDbObjectId acedActiveViewportId();
+/// The host's main window, 0 without one; its title is empty then.
+std::uintptr_t adsw_acadMainWnd();
+std::string acedMainWindowTitle();
+/// True asks the running command to stop: the user pressed the interrupt key.
+bool acedUsrBrk();
+void acedSetUsrBrk(bool set);
+
+/// Follows commands.
+class AcEditorReactor {
+public:
+    virtual ~AcEditorReactor() = default;
+    virtual void commandWillStart(const std::string&) {}
+    virtual void commandEnded(const std::string&) {}
+    virtual void commandFailed(const std::string&) {}
+};
+void acedAddReactor(AcEditorReactor* reactor);
+void acedRemoveReactor(AcEditorReactor* reactor);

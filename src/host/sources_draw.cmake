@@ -1,0 +1,1 @@
+set(HOST_DRAW_SOURCES)
