@@ -74,6 +74,7 @@ public:
     char* reserve(std::size_t size);
     void commit(const char* end);
 
+    bool flush(); ///< hands everything to the system; false when something failed
     bool failed() const;                   ///< some write did not go through
     const std::string& error_text() const; ///< what the system said, with the file name
     /// Flushes and closes. True when every byte reached the file.
