@@ -6,7 +6,8 @@
 
 #include <cmath>
 
-cl_matrix::cl_matrix() : values{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1} {}
+cl_matrix::cl_matrix()
+  : values{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1} {}
 
 bool cl_matrix::frame_axes(const fpt& x, const fpt& y, bool inverse, int report_level,
                            fpt axes[3]) const {
@@ -181,8 +182,8 @@ fpt cl_matrix::transform_vector(const fpt& v) const {
 std::string cl_matrix::to_text() const {
     std::string text;
     for (int row = 0; row < 4; ++row) {
-        text += fmt::sprintf("\t%.4g %.4g %.4g %.4g\n", at(row, 0), at(row, 1), at(row, 2),
-                             at(row, 3));
+        text +=
+            fmt::sprintf("\t%.4g %.4g %.4g %.4g\n", at(row, 0), at(row, 1), at(row, 2), at(row, 3));
     }
     return text;
 }

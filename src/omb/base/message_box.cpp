@@ -16,7 +16,8 @@ void to_trace(const std::string& text, const std::string& title) {
 
 } // namespace
 
-cl_headless_window_port::cl_headless_window_port(message_sink sink) : sink(std::move(sink)) {}
+cl_headless_window_port::cl_headless_window_port(message_sink sink)
+  : sink(std::move(sink)) {}
 
 int cl_headless_window_port::message_box(const std::string& text, const std::string& title,
                                          unsigned type, cl_window_handle) {
@@ -58,6 +59,6 @@ void set_message_sink(message_sink sink) {
 
 int do_message_box(const std::string& text, const std::string& title, unsigned type,
                    cl_window_handle parent) {
-    return window_port().message_box(
-        text, title, parent == nullptr ? type | message_box::on_top : type, parent);
+    return window_port().message_box(text, title,
+                                     parent == nullptr ? type | message_box::on_top : type, parent);
 }

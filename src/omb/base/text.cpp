@@ -148,7 +148,8 @@ bool take_double(std::string_view& text, double& value) {
         }
     }
     double parsed = 0;
-    const auto result = fast_float::from_chars(number.data(), number.data() + number.size(), parsed);
+    const auto result =
+        fast_float::from_chars(number.data(), number.data() + number.size(), parsed);
     if (result.ptr == number.data() ||
         (result.ec != std::errc() && result.ec != std::errc::result_out_of_range)) {
         return false;

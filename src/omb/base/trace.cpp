@@ -3,11 +3,11 @@
 
 #include "omb/base/files.h"
 #include "omb/base/message_box.h"
+#include "platform/files.h"
 
 #include <chrono>
 #include <ctime>
-#include <fstream>
-#include <unistd.h>
+#include <vector>
 
 namespace trace_detail {
 
@@ -67,11 +67,8 @@ std::string clock_text(const char* format) {
 
 /// " (%.1fM)" of the resident memory.
 std::string memory_note() {
-    std::ifstream statm("/proc/self/statm");
-    std::uint64_t pages = 0;
-    statm >> pages >> pages;
-    const auto bytes = static_cast<double>(pages) * static_cast<double>(sysconf(_SC_PAGESIZE));
-    return fmt::sprintf(" (%.1fM)", bytes / (1024.0 * 1024.0));
+    return fmt::sprintf(" (%.1fM)",
+                        static_cast<double>(platform::resident_bytes()) / (1024.0 * 1024.0));
 }
 
 std::string time_note(double seconds) {
@@ -82,8 +79,8 @@ std::string time_note(double seconds) {
     return note;
 }
 
-/// The source's path from the product folder on; a script's from its \ruby\ folder on.
-std::string source_label(std::string path, int line, const char* function) {
+/// The source's path from the product folder on; a script's from its ruby folder on.
+std::string product_path(std::string path) {
     for (char& c : path) {
         c = c == '\\' ? '/' : c;
     }
@@ -93,6 +90,11 @@ std::string source_label(std::string path, int line, const char* function) {
             path.erase(0, at + std::char_traits<char>::length(folder));
         }
     }
+    return path;
+}
+
+std::string source_label(const char* file, int line, const char* function) {
+    const std::string path = product_path(file);
     if (function != nullptr && *function != 0) {
         return fmt::sprintf("%s(%d): %s():", path, line, function);
     }
@@ -169,10 +171,10 @@ void cl_trace::write_line() {
     const steady::time_point now = steady::now();
     const double seconds = std::chrono::duration<double>(now - all.last_line).count();
     const std::string prefix = level == 1 ? "REPORT: " : level == 10 ? "LOG: " : "";
-    const std::string line = fmt::sprintf(
-        "%s:%s%s %s%s", source_label(source_file, source_line, function), prefix,
-        wanted.show_trace_memory ? memory_note() : "",
-        wanted.show_trace_time ? time_note(seconds) : "", text);
+    const std::string line =
+        fmt::sprintf("%s:%s%s %s%s", source_label(source_file, source_line, function), prefix,
+                     wanted.show_trace_memory ? memory_note() : "",
+                     wanted.show_trace_time ? time_note(seconds) : "", text);
     if (all.sink && (wanted.show_traces_in_release || level == 10)) {
         all.sink(level, line);
     }
@@ -192,8 +194,7 @@ void cl_trace::write_line() {
 cl_do_trace::cl_do_trace(const char* file, int line, const char* function) {
     trace_store& all = store();
     all.sections.resize(all.section_depth);
-    all.sections.push_back(
-        fmt::sprintf("(START) %s", source_label(file, line, function)));
+    all.sections.push_back(fmt::sprintf("(START) %s", source_label(file, line, function)));
     ++all.section_depth;
 }
 
@@ -218,7 +219,8 @@ void do_error_out(const std::string& message, int level, const char* file, int l
     trace_store& all = store();
     all.errors[2] = std::move(all.errors[1]);
     all.errors[1] = std::move(all.errors[0]);
-    std::string location = fmt::sprintf("     (Error occurred in %s line: %d)", file, line);
+    std::string location =
+        fmt::sprintf("     (Error occurred in %s line: %d)", product_path(file), line);
     if (function != nullptr && *function != 0) {
         location += fmt::sprintf(" %s()", function);
     }
