@@ -8,7 +8,9 @@ namespace KestraBatch {
 
 namespace {
 
+// Shells carry no colour and no mapping key of their own; a writer may tell them in comments.
 constexpr std::string_view color_comment = "COLOR: ";
+constexpr std::string_view layer_comment = "LAYR: ";
 
 bool finite(const Triple& t) {
     return std::isfinite(t.x) && std::isfinite(t.y) && std::isfinite(t.z);
@@ -26,13 +28,17 @@ std::uint32_t StreamModel::intern(std::string_view text) {
 }
 
 void StreamModel::comment(std::string_view text) {
-    if (!in_mesh_ || text.substr(0, color_comment.size()) != color_comment) {
+    if (!in_mesh_) {
         return;
     }
-    std::uint32_t value = 0;
-    if (parse_integer(text.substr(color_comment.size()), value, 16) && value <= 0xffffff) {
-        mesh().has_comment_color = true;
-        mesh().comment_color = value;
+    if (text.starts_with(color_comment)) {
+        std::uint32_t value = 0;
+        if (parse_integer(text.substr(color_comment.size()), value, 16) && value <= 0xffffff) {
+            mesh().has_comment_color = true;
+            mesh().comment_color = value;
+        }
+    } else if (text.starts_with(layer_comment) && mesh().mapping_key == no_name) {
+        mesh().mapping_key = intern(text.substr(layer_comment.size()));
     }
 }
 
