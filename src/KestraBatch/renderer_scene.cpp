@@ -42,7 +42,7 @@ std::uint64_t point_key(const std::array<Vec3, 3>& corners) {
 }
 
 class SceneBuilder {
-  public:
+public:
     SceneBuilder(const StreamModel& model, const SceneDescription& description,
                  SceneStatistics& statistics)
       : model_(model)
@@ -61,7 +61,7 @@ class SceneBuilder {
         return std::move(meshes_);
     }
 
-  private:
+private:
     Vec3 position(std::size_t index) const {
         const Triple& p = model_.positions[index];
         const double f = description_.metres_per_coordinate;
@@ -72,7 +72,8 @@ class SceneBuilder {
 
     std::array<Vec3, 3> corners(const MeshRecord& mesh,
                                 const std::array<std::uint32_t, 3>& triangle) const {
-        return {position(mesh.first_vertex + triangle[0]), position(mesh.first_vertex + triangle[1]),
+        return {position(mesh.first_vertex + triangle[0]),
+                position(mesh.first_vertex + triangle[1]),
                 position(mesh.first_vertex + triangle[2])};
     }
 
@@ -210,12 +211,12 @@ renderer::Scene build_renderer_scene(const StreamModel& model, const SceneDescri
     std::erase_if(scene.meshes, [](const renderer::Mesh& mesh) { return mesh.triangles.empty(); });
     scene.materials = description.surfaces;
     scene.environment = make_environment(description.light, warnings);
-    scene.camera =
-        make_camera(description.view, description.perspective, description.center, aspect, warnings);
+    scene.camera = make_camera(description.view, description.perspective, description.center,
+                               aspect, warnings);
     if (description.ground) {
-        scene.ground = renderer::GroundPlane{
-            static_cast<float>(*description.ground - description.center.z),
-            description.ground_surface};
+        scene.ground =
+            renderer::GroundPlane{static_cast<float>(*description.ground - description.center.z),
+                                  description.ground_surface};
     }
     return scene;
 }

@@ -54,8 +54,7 @@ renderer::Camera make_camera(const ViewRecord& view, bool perspective, const Tri
     camera.projection = perspective ? renderer::Camera::Projection::perspective
                                     : renderer::Camera::Projection::parallel;
     camera.eye = to_float(eye);
-    camera.target =
-        to_float({eye.x + direction.x, eye.y + direction.y, eye.z + direction.z});
+    camera.target = to_float({eye.x + direction.x, eye.y + direction.y, eye.z + direction.z});
     camera.up = to_float(upright(view.up, direction));
     camera.view_height = static_cast<float>(height);
     const double angle = 2 * std::atan(height / 2 / distance) * degrees_per_radian;

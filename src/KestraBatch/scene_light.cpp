@@ -12,7 +12,7 @@ namespace KestraBatch {
 
 namespace {
 
-constexpr double factory_sun_intensity = 0.80; // iks_sun_intensity 80
+constexpr double factory_sun_intensity = 0.80;  // iks_sun_intensity 80
 constexpr double factory_sky_brightness = 0.33; // iks_sky_intensity 33
 constexpr double ground_gap = 0.00025;          // metres
 constexpr double twilight_end_degrees = 18;     // the sun this far down: night

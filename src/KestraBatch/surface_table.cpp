@@ -17,10 +17,8 @@ constexpr std::uint32_t no_color = 0xffffffffu;
 constexpr std::string_view toolkit_prefix = "Tessara-";
 constexpr std::string_view layer_mark = "LAY:";
 
-/// Radiance of one candela a square metre of white light: 179 lumens a watt, the figure that the
-/// Radiance lighting system uses (G. Ward, "The RADIANCE Lighting Simulation and Rendering
-/// System", 1994).
-constexpr double lumens_per_watt = 179.0;
+/// The renderer counts light in luminous units: a luminance of 1 is 683 candela a square metre.
+constexpr double lumens_per_watt = 683.0;
 
 /// Materials that a drawing always has and that let the colour of the object through.
 bool is_stand_in(std::string_view name) {
@@ -137,8 +135,8 @@ std::optional<FileMaterial> SurfaceTable::read_material(std::int32_t index) {
         warnings_.add("material-unreadable", error + "; colours are used instead");
         return std::nullopt;
     }
-    std::string name = material.m_Name.empty() ? decode_file_name(path_stem(file))
-                                               : material.m_Name;
+    std::string name =
+        material.m_Name.empty() ? decode_file_name(path_stem(file)) : material.m_Name;
     if (name.starts_with(toolkit_prefix)) {
         name.erase(0, toolkit_prefix.size());
     }

@@ -27,7 +27,7 @@ struct FileMaterial {
 /// read; COLR; the comment colour of a shell; the stream's default face colour. Without a material
 /// file the layer's name may tell what the surface is made of.
 class SurfaceTable {
-  public:
+public:
     /// `folder` holds the material files. A file that cannot be read is one warning.
     SurfaceTable(const StreamModel& model, std::filesystem::path folder, WarningList& warnings);
 
@@ -38,7 +38,7 @@ class SurfaceTable {
 
     const std::vector<renderer::Material>& surfaces() const { return surfaces_; }
 
-  private:
+private:
     /// What decides a surface: material index, colour (or one that says none), mapping key.
     using Key = std::tuple<std::int32_t, std::uint32_t, std::uint32_t>;
 
