@@ -8,20 +8,6 @@
 #include <memory>
 #include <unordered_map>
 
-void AcDbExtents::transformBy(const AcGeMatrix3d& m) {
-    if (isEmpty()) {
-        return;
-    }
-    AcDbExtents box;
-    for (int corner = 0; corner < 8; ++corner) {
-        const AcGePoint3d p{(corner & 1) != 0 ? max_.x : min_.x,
-                            (corner & 2) != 0 ? max_.y : min_.y,
-                            (corner & 4) != 0 ? max_.z : min_.z};
-        box.addPoint(p.transformedBy(m));
-    }
-    *this = box;
-}
-
 namespace {
 
 struct BoxCache {
