@@ -2,6 +2,7 @@
 #include "omb_qorvane/class_facts.h"
 
 #include "host/db/block_reference.h"
+#include "host/db/symbol_tables.h"
 #include "host/db/unknown.h"
 #include "omb/base/text.h"
 

@@ -7,14 +7,14 @@
 enum class scan_interest { none, always, with_thickness };
 
 struct cl_class_facts {
-    bool light = false;            ///< exactly AcDbLight
+    bool light = false; ///< exactly AcDbLight
     bool entity = false;
-    bool block_reference = false;  ///< exactly AcDbBlockReference, not what derives from it
-    bool block_record = false;     ///< a block table record
+    bool block_reference = false; ///< exactly AcDbBlockReference, not what derives from it
+    bool block_record = false;    ///< a block table record
     bool rpc_object = false, rpc_guide = false;
     bool raster_image = false;
-    bool special = false;          ///< DXF name begins with "AT_", without case
-    bool own_dxf_name = false;     ///< the object itself knows its DXF name
+    bool special = false;      ///< DXF name begins with "AT_", without case
+    bool own_dxf_name = false; ///< the object itself knows its DXF name
     scan_interest scan = scan_interest::none;
 };
 

@@ -1,7 +1,6 @@
 // What the walk asks about single entities.
 #include "omb_qorvane/entity_functions.h"
 
-#include "host/db/unknown.h"
 #include "omb/base/trace.h"
 #include "omb_qorvane/class_facts.h"
 #include "omb_qorvane/omb_export.h"
@@ -18,23 +17,6 @@ AcDbObjectId layer_by_name(const AcDbEntity& entity) {
     return id;
 }
 
-/// The older extended data of objects, under the application name Tessara3.
-void read_old_properties(const AcDbValues& values, CTsAcSubEntityTraits& traits) {
-    for (const AcDbValue& value : values) {
-        if (value.code == 3000) {
-            const std::int64_t flags = value.integer();
-            traits.m_Flags |= (flags & 4) != 0 ? 32U : 0U;
-            traits.m_Flags |= (flags & 0x800) != 0 ? 4U : 0U;
-            traits.m_Flags |= (flags & 0x2000) != 0 ? 8U : 0U;
-        } else if (value.code == 3040 && value.integer() == 2) {
-            traits.marker = 2;
-        } else if (value.code == 3050 && value.integer() != 0) {
-            const std::int64_t kind = value.integer();
-            traits.mapping.m_Type = kind == 2 ? 4 : kind == 3 ? 5 : kind == 4 ? 3 : 2;
-        }
-    }
-}
-
 } // namespace
 
 bool TsAcIsValidEntity(const AcDbEntity& entity, CTsAcCommonDraw& draw) {
@@ -49,16 +31,15 @@ bool TsAcIsValidEntity(const AcDbEntity& entity, CTsAcCommonDraw& draw) {
 }
 
 void TsAcObjectProperties(const AcDbEntity& entity, CTsAcSubEntityTraits& traits) {
-    if (draw_reads_old_data(entity)) {
-        read_old_properties(entity.xData("Tessara3"), traits);
-    }
-    // A property record of the toolkit would come here; drawings of this host have none.
+    // The older extended data and the toolkit's property record give flags and texture mapping,
+    // which the stream does not carry; they, and decals, are not read yet.
     traits.setMapper(entity.mapper());
-    // Decals would be loaded here.
 }
 
 bool find_ground_cover(const AcDbEntity& entity, CTsAcCommonDraw& draw) {
-    const AcDbObjectId id = entity.extensionDictionary();
+    // Only the toolkit's own class makes such covers; without it no dictionary is looked into.
+    const AcDbObjectId id =
+        draw.toolkit_has_covers ? entity.extensionDictionary() : AcDbObjectId::kNull;
     if (id.isNull()) {
         return false;
     }
@@ -122,9 +103,9 @@ void scan_entity(const AcDbEntity& entity, const cl_class_facts& facts, CTsAcCom
     if (color.isByACI()) {
         add(draw.exporter.index_colors, static_cast<int>(color.colorIndex()));
     } else if (color.isByColor()) {
-        add(draw.exporter.rgb_colors,
-            std::uint32_t{color.red()} | std::uint32_t{color.green()} << 8 |
-                std::uint32_t{color.blue()} << 16);
+        add(draw.exporter.rgb_colors, std::uint32_t{color.red()} |
+                                          std::uint32_t{color.green()} << 8 |
+                                          std::uint32_t{color.blue()} << 16);
     } else {
         add(draw.exporter.layer_ids, draw.traits->layerId());
     }

@@ -9,7 +9,7 @@ struct cl_class_facts;
 /// The entity's layer opens and is neither frozen nor off, and the entity is not invisible.
 bool TsAcIsValidEntity(const AcDbEntity& entity, CTsAcCommonDraw& draw);
 
-/// Flags, mapping and scale from extended data, property record and the entity's mapper.
+/// The mapping of the entity's own mapper.
 void TsAcObjectProperties(const AcDbEntity& entity, CTsAcSubEntityTraits& traits);
 
 /// Notes a ground cover that hangs on the entity; true when there is one.

@@ -99,8 +99,7 @@ std::int32_t cl_mesh_builder::find(const cl_mesh_vert& vertex) const {
     return first;
 }
 
-std::int32_t cl_mesh_builder::add_vertex(const AcGePoint3d& position,
-                                         const AcGeVector3d& normal) {
+std::int32_t cl_mesh_builder::add_vertex(const AcGePoint3d& position, const AcGeVector3d& normal) {
     const cl_mesh_vert vertex{position, normal};
     grow_cells(position);
     const std::int32_t found = find(vertex);

@@ -9,8 +9,8 @@
 
 const cl_stream_transform& CTsAcGiGeometry::transform() {
     if (!transform_valid_) {
-        transform_ = cl_stream_transform::make(common_.tsdoc.ModelToWorldTransform(),
-                                               common_.tsdoc.m_Scale);
+        transform_ =
+            cl_stream_transform::make(common_.tsdoc.ModelToWorldTransform(), common_.tsdoc.m_Scale);
         transform_valid_ = true;
     }
     return transform_;

@@ -30,8 +30,8 @@ struct circle_frame {
         const AcGeVector3d unit = normal.normal();
         const auto nx = static_cast<float>(unit.x), ny = static_cast<float>(unit.y),
                    nz = static_cast<float>(unit.z);
-        fpt32 a = std::abs(nx) < 0.001F && std::abs(ny) < 0.001F ? fpt32{nz, 0, -nx}
-                                                                  : fpt32{-ny, nx, 0};
+        fpt32 a =
+            std::abs(nx) < 0.001F && std::abs(ny) < 0.001F ? fpt32{nz, 0, -nx} : fpt32{-ny, nx, 0};
         const float length = std::sqrt(a.x * a.x + a.y * a.y + a.z * a.z);
         if (length > 0) {
             a = {a.x / length, a.y / length, a.z / length};
@@ -39,15 +39,12 @@ struct circle_frame {
         e1 = {a.x, a.y, a.z};
         e2 = {a.z * ny - a.y * nz, a.x * nz - a.z * nx, a.y * nx - a.x * ny};
     }
-    AcGeVector3d radial(double angle) const {
-        return e1 * std::cos(angle) + e2 * std::sin(angle);
-    }
+    AcGeVector3d radial(double angle) const { return e1 * std::cos(angle) + e2 * std::sin(angle); }
 };
 
 } // namespace
 
-bool CTsAcGiGeometry::circle(const AcGePoint3d& center, double radius,
-                             const AcGeVector3d& normal) {
+bool CTsAcGiGeometry::circle(const AcGePoint3d& center, double radius, const AcGeVector3d& normal) {
     const double thickness = common_.traits->thickness();
     const AcGeVector3d extrusion = normal * thickness;
     const std::array<AcGePoint3d, 3> needed{center, center + extrusion,

@@ -58,17 +58,16 @@ AcGeVector3d common_normal(std::span<const AcGePoint3d> points) {
     if (i >= points.size()) {
         return AcGeVector3d::kZAxis;
     }
-    const AcGeVector3d normal = (points[i] - first)
-                                    .normal()
-                                    .crossProduct((points[second] - first).normal());
+    const AcGeVector3d normal =
+        (points[i] - first).normal().crossProduct((points[second] - first).normal());
     return normal.isZeroLength() ? AcGeVector3d::kZAxis : normal.normal();
 }
 
 } // namespace
 
 bool CTsAcGiGeometry::mesh(std::uint32_t rows, std::uint32_t columns, const AcGePoint3d* points,
-                           const AcGiEdgeData*, const AcGiFaceData*,
-                           const AcGiVertexData* vertices, bool auto_normals) {
+                           const AcGiEdgeData*, const AcGiFaceData*, const AcGiVertexData* vertices,
+                           bool auto_normals) {
     constexpr std::uint64_t most = std::uint64_t{1} << 30;
     const std::uint64_t count = std::uint64_t{rows} * columns;
     if (count == 0 || points == nullptr || count > most) {

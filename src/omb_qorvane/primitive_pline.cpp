@@ -68,8 +68,8 @@ void add_ribbon(const std::vector<course_step>& steps, const AcGeVector3d& extru
         std::array<std::int32_t, 4> index{};
         for (std::size_t c = 0; c < 4; ++c) {
             const bool at_start = c < 2;
-            index[c] = mesh.add_vertex(corners[c],
-                                       t.direction(at_start ? s.start_normal : s.end_normal));
+            index[c] =
+                mesh.add_vertex(corners[c], t.direction(at_start ? s.start_normal : s.end_normal));
         }
         mesh.add_face(index[0], index[1], index[2], index[3]);
     }

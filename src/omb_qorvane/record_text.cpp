@@ -30,8 +30,8 @@ std::string true_color_key(std::uint32_t rgb) {
 std::string layer_key(std::string_view layer) { return fmt::format("LAY:{}", layer); }
 
 std::string stream_time_text(std::int64_t seconds_since_epoch) {
-    static constexpr std::array<const char*, 7> days{
-        "Sunday", "Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday"};
+    static constexpr std::array<const char*, 7> days{"Sunday",   "Monday", "Tuesday", "Wednesday",
+                                                     "Thursday", "Friday", "Saturday"};
     static constexpr std::array<const char*, 12> months{
         "January", "February", "March",     "April",   "May",      "June",
         "July",    "August",   "September", "October", "November", "December"};

@@ -8,8 +8,8 @@
 /// A copy of what the document's ToTs does, without a call per point.
 struct cl_stream_transform {
     AcGeMatrix3d model_to_world;
-    double scale = 1;        ///< metres per drawing unit
-    double vert_factor = 1;  ///< 0.0254 / scale
+    double scale = 1;                       ///< metres per drawing unit
+    double vert_factor = 1;                 ///< 0.0254 / scale
     std::string rotation_line = "BROT;0\n"; ///< rotation about Z in degrees
 
     AcGePoint3d to_ts(const AcGePoint3d& p) const {

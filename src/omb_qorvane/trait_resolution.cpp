@@ -20,7 +20,7 @@ fpt32 cl_resolution::color(const CTsAcSubEntityTraits& traits) {
         return {0.7F, 0.7F, 0.7F};
     }
     return at->color_value.x == CTsAcSubEntityTraits::by_layer_mark ? layer(*at).color
-                                                                     : at->color_value;
+                                                                    : at->color_value;
 }
 
 AcDbObjectId cl_resolution::layer_material(const CTsAcSubEntityTraits& traits) {

@@ -46,6 +46,7 @@ CTsAcCommonDraw::CTsAcCommonDraw(cl_omb_export& exporter_, CTsAcDoc& document,
   , stream(stream_)
   , scan_only(scan)
   , scan_for_layer_dialog(scan_for_dialog)
+  , toolkit_has_covers(acrxFindClass("CTsAcPlant") != nullptr)
   , resolution(make_resolution(layers, *document.Database())) {}
 
 AcGiRegenType CTsAcCommonDraw::regenType() const {

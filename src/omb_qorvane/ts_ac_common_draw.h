@@ -66,11 +66,12 @@ public:
     cl_rpc_functions rpc;
     bool in_rpc_draw = false;
     bool special_class = false;
+    bool toolkit_has_covers; ///< the class of ground covers is in the host's dictionary
 
     // The current entity.
     std::uint64_t entity_handle = 0;
-    AcDbObjectId object_id;         ///< set just before it draws
-    std::string block_handle_text;  ///< of the last block reference
+    AcDbObjectId object_id;        ///< set just before it draws
+    std::string block_handle_text; ///< of the last block reference
 
     cl_layer_cache layers;
     cl_resolution resolution;

@@ -22,12 +22,10 @@ public:
     bool pushModelTransform(const AcGeVector3d&) override { return false; }
     bool pushModelTransform(const AcGeMatrix3d& matrix) override;
     bool popModelTransform() override;
-    AcGeMatrix3d pushPositionTransform(AcGiPositionTransformBehavior,
-                                       const AcGePoint3d&) override {
+    AcGeMatrix3d pushPositionTransform(AcGiPositionTransformBehavior, const AcGePoint3d&) override {
         return {};
     }
-    AcGeMatrix3d pushPositionTransform(AcGiPositionTransformBehavior,
-                                       const AcGePoint2d&) override {
+    AcGeMatrix3d pushPositionTransform(AcGiPositionTransformBehavior, const AcGePoint2d&) override {
         return {};
     }
     AcGeMatrix3d pushScaleTransform(AcGiScaleTransformBehavior, const AcGePoint3d&) override {

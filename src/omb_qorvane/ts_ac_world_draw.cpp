@@ -57,11 +57,9 @@ void CTsAcGiViewport::take(const CTsAcDoc& document, AcDbObjectId viewport) {
 
 void register_draw_classes() {
     static constexpr std::array<void (*)(), 9> classes{
-        &CTsAcCommonDraw::rxInit,       &CTsAcGiContext::rxInit,
-        &CTsAcGiGeometry::rxInit,       &CTsAcWorldGeometry::rxInit,
-        &CTsAcViewportGeometry::rxInit, &CTsAcSubEntityTraits::rxInit,
-        &CTsAcGiViewport::rxInit,       &CTsAcWorldDraw::rxInit,
-        &CTsAcViewportDraw::rxInit};
+        &CTsAcCommonDraw::rxInit,    &CTsAcGiContext::rxInit,        &CTsAcGiGeometry::rxInit,
+        &CTsAcWorldGeometry::rxInit, &CTsAcViewportGeometry::rxInit, &CTsAcSubEntityTraits::rxInit,
+        &CTsAcGiViewport::rxInit,    &CTsAcWorldDraw::rxInit,        &CTsAcViewportDraw::rxInit};
     for (const auto init : classes) {
         init();
     }

@@ -11,6 +11,8 @@ bool CTsAcGiGeometry::draw(AcGiDrawable* drawable) {
         return true;
     }
     CTsAcSubEntityTraits* const enclosing = common_.traits;
+    const std::uint64_t enclosing_handle = common_.entity_handle;
+    const bool enclosing_special = common_.special_class;
     CTsAcSubEntityTraits own(*enclosing);
     own.mapping = CTsMapping();
     own.object_scale = 1;
@@ -23,6 +25,8 @@ bool CTsAcGiGeometry::draw(AcGiDrawable* drawable) {
         throw;
     }
     common_.traits = enclosing;
+    common_.entity_handle = enclosing_handle;
+    common_.special_class = enclosing_special;
     return true;
 }
 
@@ -40,7 +44,6 @@ void CTsAcGiGeometry::draw_with_traits(AcGiDrawable& drawable, CTsAcSubEntityTra
         return;
     }
     const AcDbEntity* entity = nullptr;
-    common_.entity_handle = 0;
     if (facts.entity) {
         entity = static_cast<AcDbEntity*>(&drawable);
         common_.entity_handle = entity->getAcDbHandle().value();
@@ -77,7 +80,7 @@ void CTsAcGiGeometry::push_table_record_row(const AcDbBlockTableRecord& block, b
         return;
     }
     common_.stack.push(name, common_.layers.find(common_.traits->layerId()).name,
-                       block.getAcDbHandle().low());
+                       static_cast<std::uint32_t>(common_.entity_handle));
     pushed = true;
 }
 
@@ -100,7 +103,9 @@ void CTsAcGiGeometry::draw_entity(AcGiDrawable& drawable, const AcDbEntity* enti
         TsAcGroundCover(*entity, common_);
     }
     if (facts.block_record) {
-        push_table_record_row(static_cast<AcDbBlockTableRecord&>(drawable), pushed);
+        const auto& block = static_cast<AcDbBlockTableRecord&>(drawable);
+        push_table_record_row(block, pushed);
+        common_.entity_handle = block.getAcDbHandle().value();
     }
     common_.indent = cl_instance_stack::indent(common_.stack.depth());
     common_.object_id = AcDbObjectId::kNull;

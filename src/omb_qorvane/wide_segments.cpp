@@ -18,8 +18,8 @@ AcGeVector3d perpendicular(const AcGeVector3d& along, const AcGeVector3d& normal
 }
 
 /// Where two infinite lines in one plane meet; false when they are parallel.
-bool meet(const AcGePoint3d& p, const AcGeVector3d& u, const AcGePoint3d& q,
-          const AcGeVector3d& v, const AcGeVector3d& normal, AcGePoint3d& point) {
+bool meet(const AcGePoint3d& p, const AcGeVector3d& u, const AcGePoint3d& q, const AcGeVector3d& v,
+          const AcGeVector3d& normal, AcGePoint3d& point) {
     const AcGeVector3d a = u.normal(), b = v.normal();
     const double sine = a.crossProduct(b).dotProduct(normal);
     if (std::abs(sine) <= AcGeContext::gTol.equalVector()) {
