@@ -10,12 +10,12 @@ namespace renderer {
 
 /// All factors are neutral at their defaults.
 struct ToneSettings {
-    double exposure = 0;      ///< radiance factor; 0 or below means automatic (log average)
-    double brightness = 0.5;  ///< 0 to 1, 0.5 neutral
-    double contrast = 0.5;    ///< 0 to 1, 0.5 neutral
-    double burn = 0.5;        ///< 0 to 1, 0.5 neutral: where highlights begin to roll off
-    double saturation = 1.0;  ///< 0 grey, 1 neutral, 2 double
-    double gamma = 1.0;       ///< extra exponent 1/gamma on the display values, 1 neutral
+    double exposure = 0;     ///< radiance factor; 0 or below means automatic (log average)
+    double brightness = 0.5; ///< 0 to 1, 0.5 neutral
+    double contrast = 0.5;   ///< 0 to 1, 0.5 neutral
+    double burn = 0.5;       ///< 0 to 1, 0.5 neutral: where highlights begin to roll off
+    double saturation = 1.0; ///< 0 grey, 1 neutral, 2 double
+    double gamma = 1.0;      ///< extra exponent 1/gamma on the display values, 1 neutral
 };
 
 /// 8-bit sRGB, three bytes a pixel, rows from the top.

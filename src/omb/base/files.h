@@ -36,6 +36,8 @@ public:
     std::string_view rest() const { return std::string_view(content).substr(position); }
 
 private:
+    bool read_all(int descriptor, std::uint64_t limit);
+
     std::string name, content, error;
     std::size_t position = 0;
     std::int64_t count = -1;
@@ -74,7 +76,8 @@ public:
     char* reserve(std::size_t size);
     void commit(const char* end);
 
-    bool failed() const;                   ///< some write did not go through
+    bool flush();        ///< hands everything to the system; false when something failed
+    bool failed() const; ///< some write did not go through
     const std::string& error_text() const; ///< what the system said, with the file name
     /// Flushes and closes. True when every byte reached the file.
     bool close();
@@ -93,8 +96,8 @@ std::string read_field_csv(std::string& line, char separator = ',');
 /// up.
 bool check_file_for_write(const std::string& path, const std::string& what, bool confirm);
 
-/// First of stem_1.ext, stem_2.ext ... that does not exist; `path` itself when it is free. Empty,
-/// with a trace, when 100000 names are taken.
+/// First of stem_1.ext, stem_2.ext ... that does not exist; empty, with a trace, when 100000 names
+/// are taken.
 std::string get_unique_name_for_file(const std::string& path);
 
 /// UTF-8 text of a file of at most `limit` bytes; false when it cannot be read.
