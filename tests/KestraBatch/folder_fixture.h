@@ -3,6 +3,7 @@
 #pragma once
 
 #include "KestraBatch/progress.h"
+#include "omb/base/profile.h"
 #include "tests/KestraBatch/batch_texts.h"
 
 #include <gtest/gtest.h>
@@ -68,6 +69,7 @@ inline const std::string box_view = "#;Batch_ViewSettingsFile\nViewName;Current\
 class BatchFolderOnDisk {
 public:
     explicit BatchFolderOnDisk(const std::string& name) {
+        set_profile(nullptr); // no setting of a test before
         folder = std::filesystem::path(testing::TempDir()) / ("batch_" + name);
         std::filesystem::remove_all(folder);
         std::filesystem::create_directories(folder / "Materials");
