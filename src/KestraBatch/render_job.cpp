@@ -32,7 +32,7 @@ int thread_count() {
     return most < 1 ? cores : most;
 }
 
-renderer::RenderSettings render_settings(int threads) {
+renderer::RenderSettings render_settings(int threads, WarningList& warnings) {
     cl_render_size size;
     compute_render_size(size, false);
     if (size.width < 1 || size.height < 1 ||
@@ -49,6 +49,10 @@ renderer::RenderSettings render_settings(int threads) {
     settings.height = size.height;
     settings.max_seconds = no_limit ? 0 : 60.0 * std::max(minutes, 0);
     settings.passes = passes > 0 && !no_limit ? passes : passes_without_limit;
+    if (settings.passes == passes_without_limit && settings.max_seconds <= 0) {
+        warnings.add("no-limit", "the settings set no limit: the render goes on until it is "
+                                 "stopped");
+    }
     settings.samples_per_pass = 4;
     settings.seed = 1;
     settings.threads = threads > 0 ? threads : thread_count();
@@ -146,7 +150,7 @@ std::string triple_text(const Triple& t) {
 
 RenderJob plan_render(const BatchFolder& folder, int threads, WarningList& warnings) {
     RenderJob job;
-    job.settings = render_settings(threads);
+    job.settings = render_settings(threads, warnings);
     job.tone = tone_settings();
     job.image.jpeg_quality = std::clamp(get_global_int("iks_image_quality", false), 1, 100);
     job.image.dots_per_inch = std::clamp(get_global_int("iks_image_resolution", false), 1, 10000);

@@ -31,6 +31,6 @@ void add_metadata(RenderJob& job, const BatchFolder& folder, const std::string& 
                   int passes, double seconds);
 
 /// Most pixels of a picture.
-inline constexpr long long pixel_limit = 268'435'456;
+inline constexpr long long pixel_limit = 100'000'000;
 
 } // namespace KestraBatch

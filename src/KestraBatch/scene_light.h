@@ -30,7 +30,8 @@ struct SunSky {
 /// 5000 cd/m^2, the mean of a clear sky, so that sun and sky keep their balance.
 inline constexpr float white_sky_radiance = 7.0f;
 
-/// Takes the values from a document that the settings have been written into.
+/// Takes the values from a document that the settings have been written into. Throws ReadError
+/// for a value that is no finite number.
 SunSky read_sun_sky(const CTsDoc& document);
 
 /// The environment. A sun below the horizon gives no light and a dusky sky; an image sky is a

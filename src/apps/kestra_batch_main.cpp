@@ -39,7 +39,11 @@ public:
         fmt::print(stderr, "KestraBatch64: {}\n", text);
     }
     void status(const std::string& text) override {
-        fmt::print(stderr, terminal_ ? "\r\033[K{}" : "{}\n", text);
+        if (terminal_) {
+            fmt::print(stderr, "\r\033[K{}", text);
+        } else {
+            fmt::print(stderr, "{}\n", text);
+        }
         std::fflush(stderr);
         open_ = terminal_;
     }

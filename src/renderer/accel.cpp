@@ -312,7 +312,7 @@ Accel::Accel(const Scene& scene)
     const float size = std::max({length(impl.soup.low), length(impl.soup.high),
                                  impl.ground ? std::fabs(impl.ground->elevation) : 0.0f, 1.0f});
     impl.ground_tolerance = 2e-5f * size;
-    mark_coplanar_triangles(impl.soup, scene.materials);
+    mark_coplanar_triangles(impl.soup, scene.materials.size());
     for (const auto* list : {&impl.soup.opaque, &impl.soup.glass})
         impl.coplanar += static_cast<std::size_t>(std::count_if(
             list->begin(), list->end(), [](const SoupTriangle& t) { return t.coplanar != 0; }));

@@ -5,6 +5,7 @@
 #include "renderer/integrator.h"
 #include "renderer/sampling.h"
 
+#include <tbb/global_control.h>
 #include <tbb/parallel_for.h>
 #include <tbb/task_arena.h>
 
@@ -69,6 +70,13 @@ bool has_size(const Film& film, int width, int height) {
     return film.width == width && film.height == height && film.radiance.size() == n &&
            film.alpha.size() == n && film.albedo.size() == n && film.normal.size() == n &&
            film.depth.size() == n;
+}
+
+/// As many threads as asked for, 0 being all, but not more than this process may use at once.
+int usable_threads(int asked) {
+    const auto most = static_cast<int>(
+        tbb::global_control::active_value(tbb::global_control::max_allowed_parallelism));
+    return asked > 0 ? std::min(asked, most) : most;
 }
 
 /// Takes a sample into the running means of a pixel. Depth is a mean over what was hit.
@@ -223,9 +231,7 @@ Outcome Renderer::render(const RenderSettings& settings, Film& film,
     const bool resumed = settings.resume && has_size(film, settings.width, settings.height);
     if (!resumed)
         clear(film, settings.width, settings.height);
-    int threads = settings.threads > 0 ? settings.threads : impl_->threads;
-    if (threads <= 0)
-        threads = tbb::this_task_arena::max_concurrency();
+    const int threads = usable_threads(settings.threads > 0 ? settings.threads : impl_->threads);
     tbb::task_arena arena(threads);
     Film working = film; // a pass that is stopped in its midst must leave no trace in the film
     Job job(integrator, settings, working, progress);

@@ -12,7 +12,7 @@ namespace renderer {
 
 namespace {
 
-constexpr float largest_coordinate = 1e12f; // its square still fits a float
+constexpr float largest_coordinate = 1e9f; // the square of an area still fits a float
 
 bool is_usable(Vec3 p) {
     return std::fabs(p.x) <= largest_coordinate && std::fabs(p.y) <= largest_coordinate &&

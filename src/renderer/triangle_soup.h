@@ -41,7 +41,8 @@ struct TriangleSoup {
 TriangleSoup make_triangle_soup(const Scene& scene);
 
 /// Marks the triangles that lie in one plane with and overlap a triangle of a mesh that looks
-/// different. Takes n log n time; `extra` are further triangles tested against both lists.
-void mark_coplanar_triangles(TriangleSoup& soup, const std::vector<Material>& materials);
+/// different: another material, or normals of its own. Takes about n log n time on all cores.
+/// `materials` is the number of materials of the scene.
+void mark_coplanar_triangles(TriangleSoup& soup, std::size_t materials);
 
 } // namespace renderer
