@@ -145,7 +145,13 @@ Acad::ErrorStatus AcDbPolyline::getGeomExtents(AcDbExtents& extents) const {
 }
 
 const char* AcDbPolyline::notRenderedReason() const {
-    return thickness_ != 0 || hasWidth(*this) ? nullptr : draw::kNoThickness;
+    if (thickness_ == 0 && !hasWidth(*this)) {
+        return draw::kNoThickness;
+    }
+    const bool has_length = std::any_of(vertices_.begin(), vertices_.end(), [&](const Vertex& v) {
+        return !v.point.isEqualTo(vertices_.front().point);
+    });
+    return has_length && isFinite(*this) ? nullptr : draw::kDegenerate;
 }
 
 std::uint32_t AcDbPolyline::setAttributes(AcGiDrawableTraits* traits) {

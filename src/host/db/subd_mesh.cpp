@@ -47,6 +47,11 @@ Acad::ErrorStatus AcDbSubDMesh::getGeomExtents(AcDbExtents& extents) const {
     return draw::giveExtents(box, extents);
 }
 
+const char* AcDbSubDMesh::notRenderedReason() const {
+    const subd::Mesh mesh = subd::makeMesh(vertices_, face_list_, {}, {});
+    return mesh.faceCount() > 0 ? nullptr : draw::kDegenerate;
+}
+
 bool AcDbSubDMesh::worldDraw(AcGiWorldDraw* draw) {
     subd::Mesh mesh = smoothed(*this, creases_.empty() ? kMostDrawn : kMostCreased);
     const std::vector<AcGeVector3d> normals =
