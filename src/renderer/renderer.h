@@ -10,8 +10,8 @@
 namespace renderer {
 
 struct Progress {
-    int pass = 0;       ///< passes finished
-    int passes = 0;     ///< passes asked for
+    int pass = 0;        ///< passes finished
+    int passes = 0;      ///< passes asked for
     double fraction = 0; ///< 0 to 1 over the whole render
     double elapsed_seconds = 0;
 };
@@ -24,7 +24,7 @@ enum class Outcome { finished, time_limit, cancelled };
 /// std::runtime_error when Embree reports an error. Vertices that are not finite, and triangles
 /// that use them, are left out and counted.
 class Renderer {
-  public:
+public:
     explicit Renderer(const Scene& scene, int threads = 0);
     ~Renderer();
     Renderer(Renderer&&) noexcept;
@@ -37,13 +37,13 @@ class Renderer {
 
     /// Renders; on `cancelled` or `time_limit` the film holds the passes finished until then, or,
     /// when not one is finished, the part of the first pass that is there.
-    Outcome render(const RenderSettings& settings, Film& film, const ProgressCallback& progress = {},
-                   const PassCallback& pass_done = {});
+    Outcome render(const RenderSettings& settings, Film& film,
+                   const ProgressCallback& progress = {}, const PassCallback& pass_done = {});
 
     std::size_t triangle_count() const;
     std::size_t skipped_triangle_count() const;
 
-  private:
+private:
     struct Impl;
     std::unique_ptr<Impl> impl_;
 };

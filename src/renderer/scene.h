@@ -14,11 +14,11 @@ namespace renderer {
 
 /// One indexed triangle mesh. All triangles share one material.
 struct Mesh {
-    std::vector<Vec3> positions;                      ///< metres
-    std::vector<Vec3> normals;                        ///< empty, or one unit vector a position
-    std::vector<Vec2> uvs;                            ///< empty, or one a position
+    std::vector<Vec3> positions;                         ///< metres
+    std::vector<Vec3> normals;                           ///< empty, or one unit vector a position
+    std::vector<Vec2> uvs;                               ///< empty, or one a position
     std::vector<std::array<std::uint32_t, 3>> triangles; ///< indices into positions
-    std::uint32_t material = 0;                       ///< index into Scene::materials
+    std::uint32_t material = 0;                          ///< index into Scene::materials
 };
 
 /// A surface: a diffuse base under a dielectric coat (GGX), or a metal, or thin/solid glass.
@@ -35,9 +35,9 @@ struct Material {
 
 /// The sun as a disc of uniform radiance.
 struct Sun {
-    Vec3 direction{0, 0, 1};               ///< unit vector from the scene towards the sun
+    Vec3 direction{0, 0, 1}; ///< unit vector from the scene towards the sun
     float angular_diameter_degrees = 0.53f;
-    float intensity = 1.0f;                ///< factor on the physical irradiance
+    float intensity = 1.0f; ///< factor on the physical irradiance
 };
 
 /// A clear physical sky for the sun's position, computed once per render.
@@ -92,8 +92,9 @@ struct RenderSettings {
     std::uint32_t seed = 1;
     int threads = 0; ///< 0 means all cores
     int max_bounces = 12;
-    float clamp = 0;           ///< radiance limit of an indirect sample; 0 is unbiased
+    float clamp = 0;            ///< radiance limit of an indirect sample; 0 is unbiased
     float filter_radius = 1.5f; ///< pixels, Blackman-Harris
+    bool resume = false;        ///< goes on from the passes that the film holds, if its size fits
 };
 
 } // namespace renderer

@@ -69,6 +69,9 @@ public:
     std::int32_t subdivisionLevel() const { return level_; }
     void set(std::vector<AcGePoint3d> vertices, std::vector<std::int32_t> face_list,
              std::int32_t level);
+    /// Edges as pairs of vertex indices, and a crease for each: negative for always, n for the
+    /// first n rounds of smoothing.
+    void setCreases(std::vector<std::int32_t> edges, std::vector<double> creases);
 
     Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
     bool worldDraw(AcGiWorldDraw* draw) override;

@@ -1,0 +1,399 @@
+// Ray queries over a scene: the only door to Embree.
+#include "renderer/accel.h"
+
+#include "renderer/bsdf.h"
+#include "renderer/sampling.h"
+#include "renderer/triangle_soup.h"
+
+#include <embree3/rtcore.h>
+#include <tbb/task_arena.h>
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <new>
+#include <stdexcept>
+#include <string>
+
+namespace renderer {
+
+namespace {
+
+struct DeviceRelease {
+    void operator()(RTCDevice device) const { rtcReleaseDevice(device); }
+};
+struct SceneRelease {
+    void operator()(RTCScene scene) const { rtcReleaseScene(scene); }
+};
+using DeviceHandle = std::unique_ptr<std::remove_pointer_t<RTCDevice>, DeviceRelease>;
+using SceneHandle = std::unique_ptr<std::remove_pointer_t<RTCScene>, SceneRelease>;
+
+constexpr unsigned opaque_geometry = 0, glass_geometry = 1;
+
+/// What a shadow ray gathers on its way through thin glass.
+struct ShadowContext {
+    RTCIntersectContext embree; // first, so that the callback may cast
+    Rgb transmittance{1, 1, 1};
+    std::uint32_t passed[8]; // triangles already counted; Embree may report one twice
+    int passed_count = 0;
+};
+
+/// The second query at a hit on coplanar faces: finds the earliest triangle of the place.
+struct CoplanarContext {
+    RTCIntersectContext embree;
+    const TriangleSoup* soup;
+    Vec3 normal;
+    std::uint64_t best; // geometry in the high word, triangle in the low one
+    float u, v;
+};
+
+struct RawHit {
+    unsigned geometry, triangle;
+    float u, v, distance;
+};
+
+Vec3 raw_normal(const TriangleSoup& soup, const SoupTriangle& t) {
+    const Vec3 a = soup.positions[t.vertices[0]];
+    return normalize(cross(soup.positions[t.vertices[1]] - a, soup.positions[t.vertices[2]] - a));
+}
+
+RTCRayHit make_ray_hit(const Ray& ray, float t_min) {
+    RTCRayHit r;
+    r.ray.org_x = ray.origin.x, r.ray.org_y = ray.origin.y, r.ray.org_z = ray.origin.z;
+    r.ray.dir_x = ray.direction.x, r.ray.dir_y = ray.direction.y, r.ray.dir_z = ray.direction.z;
+    r.ray.tnear = t_min, r.ray.tfar = ray.t_max;
+    r.ray.time = 0, r.ray.mask = 0xffffffffu, r.ray.id = 0, r.ray.flags = 0;
+    r.hit.geomID = r.hit.primID = RTC_INVALID_GEOMETRY_ID;
+    r.hit.instID[0] = RTC_INVALID_GEOMETRY_ID;
+    return r;
+}
+
+void find_earliest_coplanar(const RTCFilterFunctionNArguments* args) {
+    auto& context = *reinterpret_cast<CoplanarContext*>(args->context);
+    const unsigned geometry = RTCHitN_geomID(args->hit, args->N, 0);
+    const unsigned triangle = RTCHitN_primID(args->hit, args->N, 0);
+    args->valid[0] = 0; // go on: all faces of the place are wanted
+    const auto& list = geometry == opaque_geometry ? context.soup->opaque : context.soup->glass;
+    const SoupTriangle& t = list[triangle];
+    const std::uint64_t key = (std::uint64_t{geometry} << 32) | triangle;
+    if (!t.coplanar || key >= context.best ||
+        std::fabs(dot(raw_normal(*context.soup, t), context.normal)) < 0.999f)
+        return;
+    context.best = key;
+    context.u = RTCHitN_u(args->hit, args->N, 0);
+    context.v = RTCHitN_v(args->hit, args->N, 0);
+}
+
+} // namespace
+
+struct Accel::Impl {
+    DeviceHandle device;
+    SceneHandle scene;
+    TriangleSoup soup;
+    std::vector<Material> materials;
+    std::optional<GroundPlane> ground;
+    SceneBounds bounds;
+    float ground_tolerance = 0; ///< metres; faces this near to the plane hide it
+    std::size_t coplanar = 0;
+
+    void check_error(const char* step) const;
+    void build();
+    void attach(const std::vector<SoupTriangle>& list, unsigned id);
+    bool trace(const Ray& ray, RawHit& raw) const;
+    void choose_coplanar(const Ray& ray, RawHit& raw) const;
+    float ground_distance(const Ray& ray) const;
+    void fill(const Ray& ray, const RawHit& raw, Hit& hit) const;
+    void fill_ground(const Ray& ray, float distance, Hit& hit) const;
+    void smooth(const SoupTriangle& t, const float weights[3], Hit& hit) const;
+    const SoupTriangle& triangle(const RawHit& raw) const {
+        return (raw.geometry == opaque_geometry ? soup.opaque : soup.glass)[raw.triangle];
+    }
+    static void pass_glass(const RTCFilterFunctionNArguments* args);
+};
+
+void Accel::Impl::check_error(const char* step) const {
+    const RTCError code = rtcGetDeviceError(device.get());
+    if (code == RTC_ERROR_OUT_OF_MEMORY)
+        throw std::bad_alloc();
+    if (code != RTC_ERROR_NONE)
+        throw std::runtime_error(std::string("Embree: error ") + std::to_string(code) + " on " +
+                                 step);
+}
+
+void Accel::Impl::attach(const std::vector<SoupTriangle>& list, unsigned id) {
+    if (list.empty())
+        return;
+    RTCGeometry geometry = rtcNewGeometry(device.get(), RTC_GEOMETRY_TYPE_TRIANGLE);
+    check_error("making a geometry");
+    // Vertices are shared; Embree reads 16 bytes at the last one, hence the padding in build().
+    rtcSetSharedGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3,
+                               soup.positions.data(), 0, sizeof(Vec3), soup.positions.size() - 1);
+    rtcSetSharedGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3, list.data(), 0,
+                               sizeof(SoupTriangle), list.size());
+    if (id == glass_geometry) {
+        rtcSetGeometryUserData(geometry, this);
+        rtcSetGeometryOccludedFilterFunction(geometry, pass_glass);
+    }
+    rtcCommitGeometry(geometry);
+    rtcAttachGeometryByID(scene.get(), geometry, id);
+    rtcReleaseGeometry(geometry);
+    check_error("attaching a geometry");
+}
+
+void Accel::Impl::build() {
+    device.reset(rtcNewDevice(nullptr));
+    if (!device)
+        throw std::runtime_error("Embree: no device");
+    scene.reset(rtcNewScene(device.get()));
+    check_error("making a scene");
+    rtcSetSceneFlags(
+        scene.get(),
+        static_cast<RTCSceneFlags>(RTC_SCENE_FLAG_ROBUST | RTC_SCENE_FLAG_CONTEXT_FILTER_FUNCTION));
+    const std::size_t count = soup.opaque.size() + soup.glass.size();
+    rtcSetSceneBuildQuality(scene.get(),
+                            count < 500000 ? RTC_BUILD_QUALITY_HIGH : RTC_BUILD_QUALITY_MEDIUM);
+    soup.positions.push_back({0, 0, 0});
+    attach(soup.opaque, opaque_geometry);
+    attach(soup.glass, glass_geometry);
+    // One thread: parallel builds order equal triangles by chance, and ties must not depend on it.
+    // The arena does it; a thread count given to the device would bind the whole process.
+    tbb::task_arena(1).execute([&] { rtcCommitScene(scene.get()); });
+    check_error("building the tree");
+}
+
+/// Lets a shadow ray through a pane and notes what the pane takes from it.
+void Accel::Impl::pass_glass(const RTCFilterFunctionNArguments* args) {
+    const auto& impl = *static_cast<const Impl*>(args->geometryUserPtr);
+    auto& context = *reinterpret_cast<ShadowContext*>(args->context);
+    const unsigned triangle = RTCHitN_primID(args->hit, args->N, 0);
+    const std::uint32_t* const begin = context.passed;
+    const std::uint32_t* const end = begin + context.passed_count;
+    if (std::find(begin, end, triangle) == end) {
+        const SoupTriangle& t = impl.soup.glass[triangle];
+        const Vec3 direction{RTCRayN_dir_x(args->ray, args->N, 0),
+                             RTCRayN_dir_y(args->ray, args->N, 0),
+                             RTCRayN_dir_z(args->ray, args->N, 0)};
+        const float cosine = std::fabs(dot(raw_normal(impl.soup, t), direction));
+        const Material& material = impl.materials[impl.soup.meshes[t.mesh].material];
+        context.transmittance *= thin_glass_transmittance(material, cosine);
+        context.passed[context.passed_count % 8] = triangle;
+        context.passed_count = std::min(context.passed_count + 1, 7);
+    }
+    if (max_component(context.transmittance) > 1e-4f)
+        args->valid[0] = 0;
+    else
+        context.transmittance = {0, 0, 0};
+}
+
+bool Accel::Impl::trace(const Ray& ray, RawHit& raw) const {
+    RTCIntersectContext context;
+    rtcInitIntersectContext(&context);
+    alignas(16) RTCRayHit query = make_ray_hit(ray, 0);
+    rtcIntersect1(scene.get(), &context, &query);
+    if (query.hit.geomID == RTC_INVALID_GEOMETRY_ID)
+        return false;
+    raw = {query.hit.geomID, query.hit.primID, query.hit.u, query.hit.v, query.ray.tfar};
+    return true;
+}
+
+void Accel::Impl::choose_coplanar(const Ray& ray, RawHit& raw) const {
+    const SoupTriangle& hit = triangle(raw);
+    CoplanarContext context{};
+    rtcInitIntersectContext(&context.embree);
+    context.embree.filter = find_earliest_coplanar;
+    context.soup = &soup;
+    context.normal = raw_normal(soup, hit);
+    context.best = (std::uint64_t{raw.geometry} << 32) | raw.triangle;
+    context.u = raw.u, context.v = raw.v;
+    const Vec3 p = soup.positions[hit.vertices[0]];
+    const float size = std::max({std::fabs(p.x), std::fabs(p.y), std::fabs(p.z), raw.distance,
+                                 std::fabs(ray.origin.x), std::fabs(ray.origin.y),
+                                 std::fabs(ray.origin.z), 1e-3f});
+    const float cosine = std::max(std::fabs(dot(context.normal, ray.direction)), 1e-3f);
+    const float window = 2e-6f * size / cosine;
+    Ray around = ray;
+    around.t_max = raw.distance + window;
+    alignas(16) RTCRayHit query = make_ray_hit(around, std::max(0.0f, raw.distance - window));
+    rtcIntersect1(scene.get(), &context.embree, &query);
+    raw.geometry = static_cast<unsigned>(context.best >> 32);
+    raw.triangle = static_cast<unsigned>(context.best);
+    raw.u = context.u, raw.v = context.v;
+}
+
+float Accel::Impl::ground_distance(const Ray& ray) const {
+    if (!ground || ray.direction.z == 0)
+        return infinity;
+    const float height = ray.origin.z - ground->elevation;
+    const float t = -height / ray.direction.z;
+    // A ray that starts on the plane leaves it for good.
+    return t > 0 && std::fabs(height) > ground_tolerance ? t : infinity;
+}
+
+void Accel::Impl::fill_ground(const Ray& ray, float distance, Hit& hit) const {
+    hit = {};
+    hit.distance = distance;
+    hit.mesh = Hit::ground_mesh;
+    hit.material = ground->material;
+    hit.position = ray.origin + ray.direction * distance;
+    hit.position.z = ground->elevation;
+    hit.geometric_normal = {0, 0, ray.direction.z < 0 ? 1.0f : -1.0f};
+    hit.shading_normal = hit.geometric_normal;
+    hit.lifted = hit.position;
+    hit.uv = {hit.position.x, hit.position.y};
+}
+
+/// Shading normal, and the start of outgoing rays lifted to the rounded surface that the normals
+/// mean: without it, a coarse cylinder shows the edge of its facets where light comes from the
+/// side (Hanika, "Hacking the Shadow Terminator", Ray Tracing Gems II, ch. 4, 2021).
+void Accel::Impl::smooth(const SoupTriangle& t, const float weights[3], Hit& hit) const {
+    Vec3 normal{0, 0, 0}, lift{0, 0, 0};
+    for (int i = 0; i < 3; ++i) {
+        Vec3 n = soup.normals[t.vertices[i]];
+        if (!is_finite(n) || dot(n, n) < 1e-12f)
+            return;
+        n = normalize(n);
+        normal += n * weights[i];
+        if (dot(n, hit.geometric_normal) < 0)
+            n = -n;
+        const Vec3 from_vertex = hit.position - soup.positions[t.vertices[i]];
+        lift += n * (-std::min(0.0f, dot(from_vertex, n)) * weights[i]);
+    }
+    normal = normalize(normal);
+    if (dot(normal, normal) < 0.5f)
+        return;
+    if (dot(normal, hit.geometric_normal) < 0)
+        normal = -normal;
+    hit.shading_normal = normal;
+    hit.lifted = hit.position + lift;
+}
+
+void Accel::Impl::fill(const Ray& ray, const RawHit& raw, Hit& hit) const {
+    const SoupTriangle& t = triangle(raw);
+    const SoupMesh& mesh = soup.meshes[t.mesh];
+    const float weights[3] = {1 - raw.u - raw.v, raw.u, raw.v};
+    hit = {};
+    hit.distance = raw.distance;
+    hit.mesh = t.mesh;
+    hit.triangle = raw.triangle;
+    hit.material = mesh.material;
+    const Vec3 a = soup.positions[t.vertices[0]];
+    hit.position = a + (soup.positions[t.vertices[1]] - a) * raw.u +
+                   (soup.positions[t.vertices[2]] - a) * raw.v;
+    hit.geometric_normal = raw_normal(soup, t);
+    if (dot(hit.geometric_normal, ray.direction) > 0)
+        hit.geometric_normal = -hit.geometric_normal;
+    hit.shading_normal = hit.geometric_normal;
+    hit.lifted = hit.position;
+    hit.uv = {raw.u, raw.v};
+    if (mesh.has_normals)
+        smooth(t, weights, hit);
+    if (mesh.has_uvs) {
+        hit.uv = {0, 0};
+        for (int i = 0; i < 3; ++i) {
+            hit.uv.x += weights[i] * soup.uvs[t.vertices[i]].x;
+            hit.uv.y += weights[i] * soup.uvs[t.vertices[i]].y;
+        }
+    }
+}
+
+Accel::Accel(const Scene& scene)
+  : impl_(std::make_unique<Impl>()) {
+    if (scene.materials.empty())
+        throw std::invalid_argument("scene: at least one material is needed");
+    if (scene.ground && scene.ground->material >= scene.materials.size())
+        throw std::invalid_argument("ground plane: its material is out of range");
+    if (scene.ground && !std::isfinite(scene.ground->elevation))
+        throw std::invalid_argument("ground plane: its elevation is not finite");
+    Impl& impl = *impl_;
+    impl.soup = make_triangle_soup(scene);
+    impl.materials = scene.materials;
+    impl.ground = scene.ground;
+    impl.bounds = {impl.soup.low, impl.soup.high};
+    const float size = std::max({length(impl.soup.low), length(impl.soup.high),
+                                 impl.ground ? std::fabs(impl.ground->elevation) : 0.0f, 1.0f});
+    impl.ground_tolerance = 2e-5f * size;
+    mark_coplanar_triangles(impl.soup, scene.materials.size());
+    for (const auto* list : {&impl.soup.opaque, &impl.soup.glass})
+        impl.coplanar += static_cast<std::size_t>(std::count_if(
+            list->begin(), list->end(), [](const SoupTriangle& t) { return t.coplanar != 0; }));
+    impl.build();
+}
+
+Accel::~Accel() = default;
+Accel::Accel(Accel&&) noexcept = default;
+Accel& Accel::operator=(Accel&&) noexcept = default;
+
+bool Accel::intersect(const Ray& ray, Hit& hit) const {
+    RawHit raw;
+    const bool found = impl_->trace(ray, raw);
+    const float plane = impl_->ground_distance(ray);
+    if (!found) {
+        if (plane >= ray.t_max)
+            return false;
+        impl_->fill_ground(ray, plane, hit);
+        return true;
+    }
+    if (impl_->triangle(raw).coplanar)
+        impl_->choose_coplanar(ray, raw);
+    impl_->fill(ray, raw, hit);
+    // Floors that lie in the ground plane are seen, not the plane.
+    if (plane < raw.distance &&
+        std::fabs(hit.position.z - impl_->ground->elevation) > impl_->ground_tolerance)
+        impl_->fill_ground(ray, plane, hit);
+    return true;
+}
+
+Rgb Accel::transmittance(const Ray& ray) const {
+    if (impl_->ground_distance(ray) < ray.t_max)
+        return {0, 0, 0};
+    ShadowContext context;
+    rtcInitIntersectContext(&context.embree);
+    alignas(16) RTCRay query = make_ray_hit(ray, 0).ray;
+    rtcOccluded1(impl_->scene.get(), &context.embree, &query);
+    return query.tfar < 0 ? Rgb{0, 0, 0} : context.transmittance;
+}
+
+namespace {
+
+/// Moves a coordinate by a number of its own smallest steps, or by a fixed length near zero, so
+/// that the new point surely lies on the side of n (Waechter and Binder, "A Fast and Robust
+/// Method for Avoiding Self-Intersection", Ray Tracing Gems, ch. 6, 2019).
+float offset_coordinate(float p, float n) {
+    constexpr float near_zero = 1.0f / 32.0f, fixed = 1.0f / 65536.0f;
+    if (std::fabs(p) < near_zero)
+        return p + fixed * n;
+    const int steps = static_cast<int>(256.0f * n);
+    const int bits = std::bit_cast<int>(p);
+    return std::bit_cast<float>(bits + (p < 0 ? -steps : steps));
+}
+
+} // namespace
+
+Vec3 Accel::leave(const Hit& hit, Vec3 direction) const {
+    const bool outside = dot(direction, hit.geometric_normal) >= 0;
+    const Vec3 n = outside ? hit.geometric_normal : -hit.geometric_normal;
+    const Vec3 p = outside ? hit.lifted : hit.position;
+    return {offset_coordinate(p.x, n.x), offset_coordinate(p.y, n.y), offset_coordinate(p.z, n.z)};
+}
+
+const SceneBounds& Accel::bounds() const { return impl_->bounds; }
+std::size_t Accel::triangle_count() const {
+    return impl_->soup.opaque.size() + impl_->soup.glass.size();
+}
+std::size_t Accel::skipped_triangle_count() const { return impl_->soup.skipped; }
+std::size_t Accel::coplanar_triangle_count() const { return impl_->coplanar; }
+
+bool Accel::bare_intersect(const Ray& ray) const {
+    RawHit raw;
+    return impl_->trace(ray, raw);
+}
+
+bool Accel::bare_occluded(const Ray& ray) const {
+    RTCIntersectContext context;
+    rtcInitIntersectContext(&context);
+    alignas(16) RTCRay query = make_ray_hit(ray, 0).ray;
+    rtcOccluded1(impl_->scene.get(), &context, &query);
+    return query.tfar < 0;
+}
+
+} // namespace renderer

@@ -1,0 +1,28 @@
+// Rays of a perspective or parallel camera.
+#pragma once
+
+#include "renderer/ray.h"
+#include "renderer/scene.h"
+
+namespace renderer {
+
+/// A camera made ready for a picture of `width` by `height` pixels.
+class CameraRays {
+public:
+    /// Throws std::invalid_argument for a field of view outside 0 to 180 degrees (exclusive), a
+    /// view height that is not positive, or numbers that are not finite. An eye on its target
+    /// looks along +y; an `up` along the view is replaced.
+    CameraRays(const Camera& camera, int width, int height);
+
+    /// The ray through a point of the picture in pixels: x to the right, y downwards, (0, 0) is
+    /// the outer corner at the top left.
+    Ray generate(float x, float y) const;
+
+private:
+    Camera::Projection projection_;
+    Vec3 eye_, forward_, right_, up_; ///< right_ and up_ span one picture height
+    float inverse_height_, half_width_, half_height_;
+    Vec2 shift_;
+};
+
+} // namespace renderer

@@ -1,0 +1,220 @@
+// Unidirectional path tracing with explicit sun and sky light.
+#include "renderer/integrator.h"
+
+#include "renderer/bsdf.h"
+#include "renderer/sampling.h"
+
+namespace renderer {
+
+namespace {
+
+constexpr std::uint32_t camera_pairs = 1, pairs_per_bounce = 5;
+constexpr int both_lights_until = 1; // deeper vertices ask the sun or the sky, not both
+constexpr int roulette_from = 2;     // bounces that always go on
+
+/// With a clamp, paths that have left a rough surface see mirrors blurred by this: what they
+/// would show of the sun is found by chance only, and would come as fireflies.
+constexpr float blurred_roughness = 0.35f;
+
+bool is_black(Rgb c) { return max_component(c) <= 0; }
+
+} // namespace
+
+/// A path under way.
+struct Integrator::PathState {
+    Ray ray;
+    Rgb throughput{1, 1, 1};
+    Rgb direct{0, 0, 0}, indirect{0, 0, 0};
+    PathResult result;
+    int depth = 0;              ///< scattering vertices behind us, panes of glass not counted
+    int panes = 0;              ///< panes of glass passed straight
+    bool seen_by_camera = true; ///< only straight passes behind us
+    float pdf = 0;              ///< density of the direction of `ray`
+    Vec3 from_normal{0, 0, 1};  ///< normal of the vertex behind us
+    float roughness_floor = 0;
+};
+
+/// A surface point that scatters.
+struct Integrator::Vertex {
+    const Hit& hit;
+    const Bsdf& bsdf;
+};
+
+Integrator::Integrator(const Accel& accel, const Scene& scene, const RenderSettings& settings)
+  : accel_(accel)
+  , materials_(scene.materials)
+  , light_(scene.environment, scene.ground.has_value())
+  , camera_(scene.camera, settings.width, settings.height)
+  , filter_(settings.filter_radius)
+  , settings_(settings)
+  , fade_distance_(std::max(1500.0f, 40 * accel.bounds().radius())) {}
+
+PathResult Integrator::trace_sample(int x, int y, std::uint32_t sample) const {
+    Sampler sampler(static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y), sample,
+                    settings_.seed);
+    const Vec2 offset = filter_.sample(sampler.next_2d());
+    return trace_path(camera_.generate(static_cast<float>(x) + 0.5f + offset.x,
+                                       static_cast<float>(y) + 0.5f + offset.y),
+                      sampler);
+}
+
+PathResult Integrator::trace_path(Ray ray, Sampler& sampler) const {
+    PathState state;
+    state.ray = ray;
+    while (step(state, sampler)) {
+    }
+    PathResult& result = state.result;
+    const float most = max_component(state.indirect);
+    if (settings_.clamp > 0 && most > settings_.clamp)
+        state.indirect = state.indirect * (settings_.clamp / most);
+    result.radiance = state.direct + state.indirect;
+    if (!is_finite(result.radiance))
+        result.radiance = {0, 0, 0};
+    return result;
+}
+
+/// Books light that reaches the camera over `depth` scattering vertices.
+void Integrator::add(PathState& state, Rgb light, int depth) const {
+    (depth <= 1 ? state.direct : state.indirect) += light;
+}
+
+/// Follows the ray to the next surface; false when the path has ended.
+bool Integrator::step(PathState& state, Sampler& sampler) const {
+    Hit hit;
+    if (!accel_.intersect(state.ray, hit)) {
+        add_escaped(state);
+        return false;
+    }
+    if (hit.mesh == Hit::ground_mesh && !fade_ground(state, hit))
+        return false;
+    sampler.set_dimension(camera_pairs +
+                          static_cast<std::uint32_t>(state.depth + state.panes) * pairs_per_bounce);
+    const Material& material = materials_[hit.material];
+    const Vec3 outgoing = -state.ray.direction;
+    const Bsdf bsdf(material, hit.shading_normal, outgoing, state.roughness_floor);
+    if (state.depth == 0 && state.panes == 0) {
+        PathResult& r = state.result;
+        if (hit.mesh != Hit::ground_mesh)
+            r.alpha = 1;
+        r.albedo = bsdf.albedo();
+        r.normal = hit.shading_normal;
+        r.depth = hit.distance;
+    }
+    add(state, state.throughput * material.emission, state.depth);
+    if (state.depth >= settings_.max_bounces)
+        return false;
+    const Vertex vertex{hit, bsdf};
+    add_direct_light(state, vertex, sampler);
+    return scatter(state, vertex, sampler);
+}
+
+/// Light of sun and sky behind the last surface, weighted against add_direct_light.
+void Integrator::add_escaped(PathState& state) const {
+    const Vec3 d = state.ray.direction;
+    if (state.seen_by_camera) {
+        add(state, state.throughput * light_.background(d), 0);
+        return;
+    }
+    const bool both = state.depth - 1 <= both_lights_until;
+    const float sun_share = both ? 1 : this->sun_share(state.from_normal);
+    const float sky_share = both ? 1 : 1 - sun_share;
+    Rgb light{0, 0, 0};
+    if (light_.has_sky())
+        light += light_.sky_radiance(d) * power_heuristic(state.pdf, light_.sky_pdf(d) * sky_share);
+    const float sun_pdf = light_.sun_pdf(d);
+    if (sun_pdf > 0)
+        light += light_.sun_radiance(d) * power_heuristic(state.pdf, sun_pdf * sun_share);
+    add(state, state.throughput * light, state.depth);
+}
+
+/// Lets far ground fade into the haze over the horizon, as air does. False when nothing is left.
+bool Integrator::fade_ground(PathState& state, const Hit& hit) const {
+    const float way = hit.distance / fade_distance_;
+    const float clear = std::exp(-way * way);
+    const bool first = state.depth == 0 && state.panes == 0;
+    if (first)
+        state.result.alpha = clear;
+    if (clear > 0.999f)
+        return true;
+    const Rgb haze = state.seen_by_camera ? light_.backdrop(state.ray.direction)
+                                          : light_.haze(state.ray.direction);
+    add(state, state.throughput * haze * (1 - clear), state.depth);
+    state.throughput *= Rgb{1, 1, 1} * clear;
+    return clear > 0.001f;
+}
+
+/// Share of light samples that go to the sun where only one of sun and sky is asked.
+float Integrator::sun_share(Vec3 normal) const {
+    if (!light_.has_sun())
+        return 0;
+    if (!light_.has_sky())
+        return 1;
+    return dot(normal, light_.sun_direction()) > 0 ? 0.6f : 0.05f;
+}
+
+void Integrator::add_direct_light(PathState& state, const Vertex& vertex, Sampler& sampler) const {
+    const Vec2 u_sun = sampler.next_2d(), u_sky = sampler.next_2d();
+    Rgb light{0, 0, 0};
+    if (state.depth <= both_lights_until) {
+        if (light_.has_sun())
+            light += light_from(light_.sample_sun(u_sun), vertex);
+        if (light_.has_sky())
+            light += light_from(light_.sample_sky(u_sky), vertex);
+    } else {
+        const float share = sun_share(vertex.hit.shading_normal);
+        const bool sun = sampler.next_1d() < share;
+        LightSample sample = sun ? light_.sample_sun(u_sun) : light_.sample_sky(u_sky);
+        sample.pdf *= sun ? share : 1 - share;
+        light = light_from(sample, vertex);
+    }
+    add(state, state.throughput * light, state.depth + 1);
+}
+
+/// One light sample's contribution: value, density, then the shadow ray, cheapest first.
+Rgb Integrator::light_from(const LightSample& light, const Vertex& vertex) const {
+    if (light.pdf <= 0)
+        return {0, 0, 0};
+    float bsdf_pdf = 0;
+    const Rgb value = vertex.bsdf.evaluate(light.direction, bsdf_pdf);
+    if (is_black(value))
+        return {0, 0, 0};
+    const Ray shadow{accel_.leave(vertex.hit, light.direction), light.direction};
+    const Rgb passed = accel_.transmittance(shadow);
+    return value * light.radiance * passed * (power_heuristic(light.pdf, bsdf_pdf) / light.pdf);
+}
+
+/// Draws the next direction and plays Russian roulette; false when the path has ended.
+bool Integrator::scatter(PathState& state, const Vertex& vertex, Sampler& sampler) const {
+    sampler.set_dimension(camera_pairs +
+                          static_cast<std::uint32_t>(state.depth + state.panes) * pairs_per_bounce +
+                          3);
+    const Vec2 choice = sampler.next_2d(), u = sampler.next_2d();
+    const BsdfSample sample = vertex.bsdf.sample(choice.x, u);
+    if (sample.pdf <= 0 || is_black(sample.weight))
+        return false;
+    const bool inwards = dot(sample.direction, vertex.hit.geometric_normal) <= 0;
+    if (inwards && !sample.straight)
+        return false;
+    state.throughput *= sample.weight;
+    if (sample.straight) {
+        if (++state.panes > 32)
+            return false;
+    } else {
+        ++state.depth;
+        state.seen_by_camera = false;
+        state.pdf = sample.pdf;
+        state.from_normal = vertex.hit.shading_normal;
+        if (settings_.clamp > 0 && sample.pdf < 10)
+            state.roughness_floor = blurred_roughness;
+    }
+    if (state.depth >= roulette_from) {
+        const float survive = std::clamp(max_component(state.throughput), 0.05f, 0.95f);
+        if (choice.y >= survive)
+            return false;
+        state.throughput = state.throughput / survive;
+    }
+    state.ray = {accel_.leave(vertex.hit, sample.direction), sample.direction};
+    return true;
+}
+
+} // namespace renderer

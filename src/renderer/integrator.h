@@ -1,0 +1,57 @@
+// Unidirectional path tracing with explicit sun and sky light.
+#pragma once
+
+#include "renderer/accel.h"
+#include "renderer/camera.h"
+#include "renderer/environment.h"
+#include "renderer/pixel_filter.h"
+#include "renderer/sampler.h"
+#include "renderer/scene.h"
+
+#include <vector>
+
+namespace renderer {
+
+/// What one path brings home.
+struct PathResult {
+    Rgb radiance{0, 0, 0};
+    float alpha = 0;      ///< 1 when the camera ray met geometry, less in the far haze
+    Rgb albedo{0, 0, 0};  ///< of the first hit
+    Vec3 normal{0, 0, 0}; ///< of the first hit, towards the viewer
+    float depth = 0;      ///< metres to the first hit
+};
+
+/// Everything the paths of one render read. All methods may run on any number of threads.
+class Integrator {
+public:
+    /// Throws std::invalid_argument for a scene or settings that cannot be rendered.
+    Integrator(const Accel& accel, const Scene& scene, const RenderSettings& settings);
+
+    /// One path through a pixel; a pure function of its arguments, the scene and the settings.
+    PathResult trace_sample(int x, int y, std::uint32_t sample) const;
+
+    /// One path along a given camera ray.
+    PathResult trace_path(Ray ray, Sampler& sampler) const;
+
+private:
+    struct PathState;
+    struct Vertex;
+    bool step(PathState& state, Sampler& sampler) const;
+    void add_escaped(PathState& state) const;
+    bool fade_ground(PathState& state, const Hit& hit) const;
+    void add_direct_light(PathState& state, const Vertex& vertex, Sampler& sampler) const;
+    Rgb light_from(const LightSample& light, const Vertex& vertex) const;
+    bool scatter(PathState& state, const Vertex& vertex, Sampler& sampler) const;
+    float sun_share(Vec3 normal) const;
+    void add(PathState& state, Rgb light, int depth) const;
+
+    const Accel& accel_;
+    std::vector<Material> materials_;
+    DistantLight light_;
+    CameraRays camera_;
+    PixelFilter filter_;
+    RenderSettings settings_;
+    float fade_distance_; ///< metres over which the ground plane fades into the haze
+};
+
+} // namespace renderer

@@ -1,0 +1,111 @@
+// Gathers and checks the triangles of a scene.
+#include "renderer/triangle_soup.h"
+
+#include "renderer/sampling.h"
+
+#include <algorithm>
+#include <limits>
+#include <stdexcept>
+#include <string>
+
+namespace renderer {
+
+namespace {
+
+constexpr float largest_coordinate = 1e9f; // the square of an area still fits a float
+
+bool is_usable(Vec3 p) {
+    return std::fabs(p.x) <= largest_coordinate && std::fabs(p.y) <= largest_coordinate &&
+           std::fabs(p.z) <= largest_coordinate; // false for NaN as well
+}
+
+[[noreturn]] void reject(std::size_t mesh, const std::string& what) {
+    throw std::invalid_argument("mesh " + std::to_string(mesh) + ": " + what);
+}
+
+void check_mesh(const Scene& scene, std::size_t index) {
+    const Mesh& mesh = scene.meshes[index];
+    if (mesh.material >= scene.materials.size())
+        reject(index, "material " + std::to_string(mesh.material) + " is out of range");
+    if (!mesh.normals.empty() && mesh.normals.size() != mesh.positions.size())
+        reject(index, "normals must number one a position");
+    if (!mesh.uvs.empty() && mesh.uvs.size() != mesh.positions.size())
+        reject(index, "uvs must number one a position");
+    for (const auto& triangle : mesh.triangles)
+        for (const std::uint32_t v : triangle)
+            if (v >= mesh.positions.size())
+                reject(index, "vertex " + std::to_string(v) + " is out of range");
+}
+
+bool has_area(Vec3 a, Vec3 b, Vec3 c) {
+    const Vec3 n = cross(b - a, c - a);
+    const float square = dot(n, n);
+    return square > std::numeric_limits<float>::min() && std::isfinite(square);
+}
+
+void add_mesh(TriangleSoup& soup, const Scene& scene, std::uint32_t index) {
+    const Mesh& mesh = scene.meshes[index];
+    const auto first = static_cast<std::uint32_t>(soup.positions.size());
+    soup.meshes.push_back({mesh.material, first, !mesh.normals.empty(), !mesh.uvs.empty()});
+    auto& list = scene.materials[mesh.material].transmission > 0 ? soup.glass : soup.opaque;
+    for (const auto& t : mesh.triangles) {
+        const Vec3 corners[] = {mesh.positions[t[0]], mesh.positions[t[1]], mesh.positions[t[2]]};
+        if (!std::all_of(corners, corners + 3, is_usable) ||
+            !has_area(corners[0], corners[1], corners[2])) {
+            ++soup.skipped;
+            continue;
+        }
+        for (const Vec3 p : corners) {
+            soup.low = {std::min(soup.low.x, p.x), std::min(soup.low.y, p.y),
+                        std::min(soup.low.z, p.z)};
+            soup.high = {std::max(soup.high.x, p.x), std::max(soup.high.y, p.y),
+                         std::max(soup.high.z, p.z)};
+        }
+        list.push_back({{first + t[0], first + t[1], first + t[2]}, index, 0});
+    }
+    for (const Vec3 p : mesh.positions) // unused ones must not reach Embree either
+        soup.positions.push_back(is_usable(p) ? p : Vec3{});
+}
+
+template <typename T>
+void add_attribute(std::vector<T>& all, const std::vector<T>& own, std::size_t first) {
+    std::copy(own.begin(), own.end(), all.begin() + static_cast<std::ptrdiff_t>(first));
+}
+
+void add_attributes(TriangleSoup& soup, const Scene& scene) {
+    for (std::size_t i = 0; i < soup.meshes.size(); ++i) {
+        if (soup.meshes[i].has_normals) {
+            soup.normals.resize(soup.positions.size());
+            add_attribute(soup.normals, scene.meshes[i].normals, soup.meshes[i].first_vertex);
+        }
+        if (soup.meshes[i].has_uvs) {
+            soup.uvs.resize(soup.positions.size());
+            add_attribute(soup.uvs, scene.meshes[i].uvs, soup.meshes[i].first_vertex);
+        }
+    }
+}
+
+} // namespace
+
+TriangleSoup make_triangle_soup(const Scene& scene) {
+    constexpr std::size_t most = std::numeric_limits<std::int32_t>::max();
+    std::size_t vertices = 0;
+    for (std::size_t i = 0; i < scene.meshes.size(); ++i) {
+        check_mesh(scene, i);
+        vertices += scene.meshes[i].positions.size();
+    }
+    if (vertices > most || scene.meshes.size() > most)
+        throw std::invalid_argument("scene: more than 2147483647 vertices or meshes");
+    TriangleSoup soup;
+    soup.positions.reserve(vertices);
+    soup.low = Vec3{1, 1, 1} * infinity;
+    soup.high = Vec3{1, 1, 1} * -infinity;
+    for (std::uint32_t i = 0; i < scene.meshes.size(); ++i)
+        add_mesh(soup, scene, i);
+    add_attributes(soup, scene);
+    if (soup.opaque.empty() && soup.glass.empty())
+        soup.low = soup.high = {0, 0, 0};
+    return soup;
+}
+
+} // namespace renderer

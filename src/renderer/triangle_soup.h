@@ -1,0 +1,48 @@
+// The triangles of a scene as the ray queries hold them: one list, checked and in scene order.
+#pragma once
+
+#include "renderer/scene.h"
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+namespace renderer {
+
+/// One kept triangle. Indices count into TriangleSoup::positions.
+struct SoupTriangle {
+    std::array<std::uint32_t, 3> vertices;
+    std::uint32_t mesh : 31;
+    std::uint32_t coplanar : 1; ///< lies in one plane with, and over, a triangle of another mesh
+};
+
+struct SoupMesh {
+    std::uint32_t material = 0;
+    std::uint32_t first_vertex = 0; ///< of the mesh's own vertices in the soup
+    bool has_normals = false;
+    bool has_uvs = false;
+};
+
+/// Opaque triangles and those of thin glass stand in two lists, because shadow rays treat them
+/// differently.
+struct TriangleSoup {
+    std::vector<Vec3> positions;
+    std::vector<Vec3> normals; ///< as long as positions, or empty when no mesh has any
+    std::vector<Vec2> uvs;     ///< as long as positions, or empty when no mesh has any
+    std::vector<SoupMesh> meshes;
+    std::vector<SoupTriangle> opaque;
+    std::vector<SoupTriangle> glass;
+    std::size_t skipped = 0;
+    Vec3 low{0, 0, 0}, high{0, 0, 0}; ///< bounds of the kept triangles
+};
+
+/// Gathers and checks the triangles. Throws std::invalid_argument for indices out of range and
+/// for normals or uvs that do not number one a position.
+TriangleSoup make_triangle_soup(const Scene& scene);
+
+/// Marks the triangles that lie in one plane with and overlap a triangle of a mesh that looks
+/// different: another material, or normals of its own. Takes about n log n time on all cores.
+/// `materials` is the number of materials of the scene.
+void mark_coplanar_triangles(TriangleSoup& soup, std::size_t materials);
+
+} // namespace renderer
