@@ -49,7 +49,7 @@ void check(const RenderSettings& s) {
         throw std::invalid_argument("render: bounces must number 0 to 1000");
     if (!(s.filter_radius >= 0 && s.filter_radius <= 16))
         throw std::invalid_argument("render: the filter radius must lie between 0 and 16 pixels");
-    if (!(s.max_seconds >= 0) || !(s.clamp >= 0) || s.threads < 0)
+    if (!(s.max_seconds >= 0) || !(s.clamp >= 0) || !(s.clamp_factor >= 0) || s.threads < 0)
         throw std::invalid_argument("render: time limit, clamp and threads must not be negative");
 }
 

@@ -109,8 +109,8 @@ public:
 private:
     static float usable(float x) { return x > 0 ? std::min(x, 1e6f) : 0; } // NaN becomes 0
 
-    /// About half way between a curve a channel, which bleaches highlights but turns hues, and a curve
-    /// on the largest channel, which keeps hues but never reaches white.
+    /// About half way between a curve a channel, which bleaches highlights but turns hues, and a
+    /// curve on the largest channel, which keeps hues but never reaches white.
     Rgb curve(Rgb c) const {
         const float peak = max_component(c);
         if (peak <= 0)

@@ -22,7 +22,7 @@ int main(int argc, char** argv) try {
     settings.height = static_cast<int>(number(3, 400));
     settings.passes = static_cast<int>(number(4, 8));
     settings.threads = static_cast<int>(number(7, 0));
-    settings.clamp = 100;
+    settings.clamp_factor = 2;
     const auto scene =
         demo::make_scene(static_cast<float>(number(5, 40)), static_cast<float>(number(6, 2.5)));
     renderer::Renderer renderer(scene, settings.threads);
