@@ -19,8 +19,10 @@ namespace KestraBatch {
 namespace {
 
 constexpr int passes_without_limit = 1'000'000;
-/// Of what bounces, the clamp lets this many times the mean radiance of the sky through.
-constexpr float clamp_factor = 20;
+/// What bounces is let through up to this many times the mean radiance of the sky: a little more
+/// than a sunlit white wall gives. Less would darken rooms, more lets single bright paths speckle
+/// the picture.
+constexpr float clamp_factor = 6;
 
 int thread_count() {
     const int cores = std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
@@ -30,6 +32,11 @@ int thread_count() {
     }
     const int most = get_global_int("iks_max_threads", false);
     return most < 1 ? cores : most;
+}
+
+float clamp_of(const SunSky& light) {
+    const double strongest = std::max({1.0, light.sun_factor, light.sky_factor});
+    return clamp_factor * white_sky_radiance * static_cast<float>(strongest);
 }
 
 renderer::RenderSettings render_settings(int threads, WarningList& warnings) {
@@ -56,7 +63,6 @@ renderer::RenderSettings render_settings(int threads, WarningList& warnings) {
     settings.samples_per_pass = 4;
     settings.seed = 1;
     settings.threads = threads > 0 ? threads : thread_count();
-    settings.clamp = clamp_factor * white_sky_radiance;
     return settings;
 }
 
@@ -151,6 +157,7 @@ std::string triple_text(const Triple& t) {
 RenderJob plan_render(const BatchFolder& folder, int threads, WarningList& warnings) {
     RenderJob job;
     job.settings = render_settings(threads, warnings);
+    job.settings.clamp = clamp_of(read_sun_sky(folder.document));
     job.tone = tone_settings();
     job.image.jpeg_quality = std::clamp(get_global_int("iks_image_quality", false), 1, 100);
     job.image.dots_per_inch = std::clamp(get_global_int("iks_image_resolution", false), 1, 10000);

@@ -31,6 +31,7 @@ constexpr auto view_fields = [](auto& self, auto&& visit) {
 constexpr auto material_fields = [](auto& self, auto&& visit) {
     visit("Name", self.m_Name);
     visit("Color", self.m_Color);
+    visit("UsesObjectColor", self.m_UsesObjectColor);
     visit("Reflection", self.m_Reflection);
     visit("Sharpness", self.m_Sharpness);
     visit("Transparency", self.m_Transparency);

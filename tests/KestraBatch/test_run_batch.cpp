@@ -56,6 +56,13 @@ int run(const BatchFolderOnDisk& folder, OutputRecord& out, BatchRun options = {
     return run_batch({folder.params()}, out, options);
 }
 
+/// A box of the fixture's depth and height, every coordinate times `factor` and moved in x and y.
+std::string box_mesh_at(double x0, double x1, double factor, double offset,
+                        const std::string& head) {
+    const double s = factor / 0.0254, o = offset / 0.0254;
+    return batch_test::box_mesh(x0 * s + o, o, x1 * s + o, 3 * s + o, 2 * s, head);
+}
+
 TEST(RunBatch, AFolderBecomesAPicture) {
     const BatchFolderOnDisk folder("picture");
     OutputRecord out;
@@ -78,6 +85,40 @@ TEST(RunBatch, AFolderBecomesAPicture) {
     EXPECT_EQ(picture.drawing, "/nowhere/house.dxf");
     EXPECT_TRUE(out.has_message("saved " + folder.picture().string()));
     EXPECT_TRUE(out.errors.empty());
+}
+
+TEST(RunBatch, ThePictureDoesNotDependOnThreads) {
+    std::vector<Picture> pictures;
+    for (const int threads : {1, 3}) {
+        const BatchFolderOnDisk folder("threads");
+        OutputRecord out;
+        BatchRun options;
+        options.threads = threads;
+        ASSERT_EQ(run_batch({folder.params()}, out, options), 0);
+        pictures.push_back(read_picture(folder.picture()));
+    }
+    EXPECT_EQ(pictures[0].pixels, pictures[1].pixels);
+}
+
+TEST(RunBatch, FarFromTheOriginThePictureIsTheSame) {
+    const BatchFolderOnDisk near("near");
+    const BatchFolderOnDisk far("far"); // the same in millimetres, five kilometres off
+    const double f = 0.0254 * 1000, off = 5e6 * 0.0254;
+    std::string stream = box_mesh_at(-4, -1, f, off, "COLR;0000ff\nMATL;0\n") +
+                         box_mesh_at(1, 4, f, off, "COLR;ff0000\nMATL;0\n") + "END;\n";
+    far.write("batch_file.txt", stream);
+    far.write("qor_view.txt", with(with(with(batch_test::box_view, "(0,-12,3)", "(5000,4988,3)"),
+                                        "(0,0,1)\nDir", "(5000,5000,1)\nDir"),
+                                   "view_scale;1\n", "view_scale;0.001\n"));
+    OutputRecord out;
+    ASSERT_EQ(run(near, out), 0);
+    ASSERT_EQ(run(far, out), 0) << out.errors.back();
+    const Picture a = read_picture(near.picture()), b = read_picture(far.picture());
+    double difference = 0;
+    for (std::size_t i = 0; i < a.pixels.size(); ++i) {
+        difference += std::abs(static_cast<int>(a.pixels[i]) - static_cast<int>(b.pixels[i]));
+    }
+    EXPECT_LT(difference / static_cast<double>(a.pixels.size()), 1.0);
 }
 
 TEST(RunBatch, WithoutFacesSkyAndGroundAreRendered) {

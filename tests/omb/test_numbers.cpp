@@ -109,6 +109,10 @@ TEST(Text, LooseNumbers) {
     EXPECT_EQ(omb::parse_double(" +1.5e2x"), 150.0);
     EXPECT_EQ(omb::parse_double("+-1"), 0.0);
     EXPECT_EQ(omb::parse_double("-"), 0.0);
+    EXPECT_EQ(omb::parse_double("-1e400"), -std::numeric_limits<double>::max());
+    EXPECT_EQ(omb::parse_double("1e-400"), 0.0);
+    EXPECT_EQ(omb::parse_double("inf"), 0.0);
+    EXPECT_EQ(omb::parse_double("nan"), 0.0);
     EXPECT_EQ(omb::parse_hex("fFz"), 255u);
 }
 

@@ -27,8 +27,14 @@ TEST(SunPosition, AgreesWithPublishedValues) {
         // 17 October 2003 12:30:30, zenith 50.11162, azimuth 194.34024 (refraction included).
         {"NREL example", 2003, day_number(10, 17), 750.5, -7, 39.742476, -105.1786, 194.34024,
          90 - 50.11162, 0.02},
-        // Row of the NOAA spreadsheet as distributed: 21 June 2010, 40 N 105 W, zone -6, 0:06.
-        {"NOAA spreadsheet", 2010, day_number(6, 21), 6, -6, 40, -105, 345.87, -25.02, 0.25}};
+        // NOAA Solar Calculator, 22 December 2012 12:00 UTC on the meridian of Greenwich.
+        {"41 S", 2012, 357, 720, 0, -41, 0, 359.09, 72.44, 0.011},
+        {"3 S", 2012, 357, 720, 0, -3, 0, 180.79, 69.57, 0.011},
+        {"3 N", 2012, 357, 720, 0, 3, 0, 180.62, 63.57, 0.011},
+        {"41 N", 2012, 357, 720, 0, 41, 0, 180.30, 25.60, 0.011},
+        // NOAA Solar Calculator, Helsinki, 4 September 2022 13:19:29, summer time included.
+        {"Helsinki", 2022, day_number(9, 4), 799 + 29.0 / 60, 3, 60.17, 24.94, 180.05, 36.96,
+         0.011}};
     for (const Case& c : cases) {
         const CTsSunPosition p =
             TsSolarPosition(c.year, c.day, c.minutes, c.zone, c.latitude, c.longitude);

@@ -150,11 +150,11 @@ bool take_double(std::string_view& text, double& value) {
     double parsed = 0;
     const auto result =
         fast_float::from_chars(number.data(), number.data() + number.size(), parsed);
-    if (result.ptr == number.data() ||
-        (result.ec != std::errc() && result.ec != std::errc::result_out_of_range)) {
-        return false;
+    const bool overflow = result.ec == std::errc::result_out_of_range && std::isinf(parsed);
+    if (result.ptr == number.data() || (!overflow && !std::isfinite(parsed))) {
+        return false; // no number, or the words inf and nan
     }
-    value = parsed;
+    value = overflow ? std::copysign(std::numeric_limits<double>::max(), parsed) : parsed;
     number.remove_prefix(static_cast<std::size_t>(result.ptr - number.data()));
     text = number;
     return true;
