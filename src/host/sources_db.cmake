@@ -18,6 +18,7 @@ set(HOST_DB_SOURCES
   dxf/default_drawing.cpp
   dxf/document.cpp
   dxf/encoding.cpp
+  dxf/facts.cpp
   dxf/load_context.cpp
   dxf/object_factory.cpp
   dxf/object_tags.cpp

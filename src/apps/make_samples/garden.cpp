@@ -33,7 +33,10 @@ double land_height(double x, double y) {
 }
 
 void draw_land(Space& space) {
-    draw_field(space, {-30, -26}, {34, -6.7}, 40, 14, lawn_height, {"Lawn"});
+    draw_field(space, {-24, -25}, {28, -6.7}, 36, 14, lawn_height, {"Lawn"});
+    draw_field(space, {-24, -6.7}, {-13.3, 27}, 8, 16, lawn_height, {"Lawn"});
+    draw_field(space, {10.4, -6.7}, {28, 27}, 12, 16, lawn_height, {"Lawn"});
+    draw_field(space, {-13.3, 8.6}, {10.4, 27}, 14, 12, lawn_height, {"Lawn"});
     const auto coarse = [](double x, double y) { return land_height(x, y); };
     draw_field(space, {-480, -480}, {480, 480}, 33, 33, coarse, {"Surroundings"});
 }

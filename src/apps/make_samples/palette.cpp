@@ -59,7 +59,9 @@ constexpr LayerRow kLayers[] = {
     {"Surroundings", "Meadow"},   {"Far trees", "Far leaf"},    {"Path", "Gravel"},
     {"Soil", "Earth"},            {"Furniture", "Oak 2"},       {"Cushions", "Linen"},
     {"Textiles", "Linen"},        {"Planters", "Terracotta 4"}, {"Lamps", "Lamp shade"},
-    {"Neighbours", "Sage plaster"},
+    {"Neighbours", "Sage plaster"}, {"Floor", "Oak 4"},        {"Ceiling", "Ceiling white"},
+    {"Inner walls", "Plaster"},   {"Curtains", "Linen"},        {"Rug", "Wool"},
+    {"Shelves", "Oak 2"},         {"Books", "Paper"},           {"Bilder und Rahmen", "Walnut"},
 };
 
 } // namespace

@@ -107,6 +107,7 @@ void AcDbLayerTableRecord::dxfIn(const dxf::ObjectTags& tags) {
     }
     off_ = index < 0;
     index = index == std::numeric_limits<int>::min() ? 7 : std::abs(index);
+    index_ = index >= 1 && index <= 255 ? static_cast<std::int16_t>(index) : std::int16_t{7};
     color_ = rgb >= 0 ? AcCmEntityColor::trueColor(static_cast<std::uint32_t>(rgb))
                       : AcCmEntityColor::index(index);
     if (color_.isByLayer() || color_.isByBlock()) {
@@ -117,9 +118,7 @@ void AcDbLayerTableRecord::dxfIn(const dxf::ObjectTags& tags) {
 void AcDbLayerTableRecord::dxfOut(dxf::TagWriter& writer) const {
     AcDbSymbolTableRecord::dxfOut(writer);
     write_head(*this, "AcDbLayerTableRecord", writer);
-    // A true colour keeps the white index beside it, for programs that know indices only.
-    const int index = color_.isByColor() ? 7 : color_.colorIndex();
-    writer.integer(62, off_ ? -index : index);
+    writer.integer(62, off_ ? -index_ : index_);
     if (color_.isByColor() && writer.version() >= 1018) {
         writer.integer(420, color_.word() & 0xffffff);
     }
