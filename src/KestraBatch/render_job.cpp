@@ -173,7 +173,7 @@ void add_metadata(RenderJob& job, const BatchFolder& folder, const std::string& 
         settings += line + "\n";
     }
     job.image.metadata = {
-        {"Software", program_version},
+        {"Software", "Qorvane (" + program_version + ")"},
         {"Drawing", folder.params.model_path},
         {"DrawingSHA1", file_hash(folder.params.model_path)},
         {"View", fmt::format("{}: eye {} target {} up {} field {:.9g} x {:.9g} m, {}", view.name,

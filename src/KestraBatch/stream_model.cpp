@@ -10,7 +10,7 @@ namespace {
 
 // Shells carry no colour and no mapping key of their own; a writer may tell them in comments.
 constexpr std::string_view color_comment = "COLOR: ";
-constexpr std::string_view layer_comment = "LAYR: ";
+constexpr std::string_view key_comment = "KEY: ";
 
 bool finite(const Triple& t) {
     return std::isfinite(t.x) && std::isfinite(t.y) && std::isfinite(t.z);
@@ -37,8 +37,8 @@ void StreamModel::comment(std::string_view text) {
             mesh().has_comment_color = true;
             mesh().comment_color = value;
         }
-    } else if (text.starts_with(layer_comment) && mesh().mapping_key == no_name) {
-        mesh().mapping_key = intern(text.substr(layer_comment.size()));
+    } else if (text.starts_with(key_comment) && mesh().mapping_key == no_name) {
+        mesh().mapping_key = intern(text.substr(key_comment.size()));
     }
 }
 

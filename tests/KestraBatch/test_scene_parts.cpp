@@ -4,6 +4,8 @@
 #include "KestraBatch/scene_light.h"
 #include "KestraBatch/surface_guess.h"
 
+#include "tests/KestraBatch/batch_texts.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -156,6 +158,15 @@ TEST(SceneLight, WhatGivesNoLightIsTold) {
     EXPECT_EQ(codes(light), "sun-below-horizon no-light ");
     light.sun_direction = {1, 0, 0.1};
     EXPECT_EQ(codes(light), "");
+}
+
+TEST(SceneLight, NumbersOfTheDocumentMustBeFinite) {
+    CTsDoc document;
+    EXPECT_EQ(batch_test::message_of([&] { read_sun_sky(document); }), "");
+    document.SetSkyBrightness(std::nan(""));
+    EXPECT_EQ(batch_test::message_of([&] { read_sun_sky(document); }),
+              "the intensity of sun or sky in the settings or the render document is no finite "
+              "number");
 }
 
 TEST(SceneLight, TheSkyOfASunThatHasSetIsDuskyNotBlack) {
