@@ -100,8 +100,7 @@ inline std::string with_entities(const std::string& tags, const std::string& ver
 /// The only object of class T in model space.
 template <class T>
 T* first_entity(AcDbDatabase& db) {
-    const auto* space =
-        AcDbBlockTableRecord::cast(db.modelSpaceId().stub()->object);
+    const auto* space = AcDbBlockTableRecord::cast(db.modelSpaceId().stub()->object);
     for (const AcDbObjectId id : space->entities()) {
         if (T* found = T::cast(id.stub()->object); found != nullptr) {
             return found;
