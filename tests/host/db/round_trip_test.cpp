@@ -45,8 +45,7 @@ TEST_P(EveryKind, IsWrittenAsItWasRead) {
         with_entities(std::string("  0\n") + GetParam().name +
                       "\n  5\nAB\n100\nAcDbEntity\n  8\nWalls\n 62\n3\n" + GetParam().tags);
     const auto db = load(source);
-    EXPECT_TRUE(db->loadReport().repaired.empty() && db->loadReport().lost.empty())
-        << (db->loadReport().repaired.empty() ? "" : db->loadReport().repaired[0].code);
+    EXPECT_EQ(findings(*db), "");
     AcDbObject* object = only_entity(*db);
     ASSERT_NE(object, nullptr);
     EXPECT_STREQ(object->isA()->name(), GetParam().class_name);

@@ -51,6 +51,18 @@ inline std::unique_ptr<AcDbDatabase> load(const std::string& bytes) {
     return db;
 }
 
+/// The findings as text; empty for a sound drawing.
+inline std::string findings(const AcDbDatabase& db) {
+    std::string text;
+    for (const auto* list : {&db.loadReport().repaired, &db.loadReport().lost}) {
+        for (const AcDbLoadFinding& finding : *list) {
+            text += finding.code + " line " + std::to_string(finding.line) + ": " +
+                    finding.message + "\n";
+        }
+    }
+    return text;
+}
+
 inline std::string save(const AcDbDatabase& db, AcDbDxfForm form = AcDbDxfForm::kAsInput) {
     return dxf::write_to_memory(db, form);
 }
