@@ -1,1 +1,31 @@
-set(HOST_DB_SOURCES)
+set(HOST_DB_SOURCES
+  db/block_reference_dxf.cpp
+  db/color.cpp
+  db/curves_dxf.cpp
+  db/database.cpp
+  db/dictionary.cpp
+  db/entity_dxf.cpp
+  db/errors.cpp
+  db/extents.cpp
+  db/faces_dxf.cpp
+  db/hatch.cpp
+  db/object.cpp
+  db/polylines_dxf.cpp
+  db/symbol_tables.cpp
+  db/text.cpp
+  db/unknown.cpp
+  dxf/complete.cpp
+  dxf/default_drawing.cpp
+  dxf/document.cpp
+  dxf/encoding.cpp
+  dxf/facts.cpp
+  dxf/load_context.cpp
+  dxf/object_factory.cpp
+  dxf/object_tags.cpp
+  dxf/patch.cpp
+  dxf/reader.cpp
+  dxf/tag.cpp
+  dxf/tag_reader.cpp
+  dxf/tag_writer.cpp
+  dxf/writer.cpp
+  rx/rxobject.cpp)

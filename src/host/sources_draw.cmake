@@ -1,1 +1,21 @@
-set(HOST_DRAW_SOURCES)
+set(HOST_DRAW_SOURCES
+  ge/ge.cpp
+  gi/fallback.cpp
+  gi/gi.cpp
+  gi/pline.cpp
+  gi/recorder.cpp
+  gs/view.cpp
+  ed/commands.cpp
+  ed/document.cpp
+  ed/prompts.cpp
+  rx/module.cpp
+  db/block_extents.cpp
+  db/block_reference.cpp
+  db/curves.cpp
+  db/entity.cpp
+  db/faces.cpp
+  db/meshes.cpp
+  db/polylines.cpp
+  db/spline.cpp
+  db/subd_mesh.cpp
+  db/subdivision.cpp)

@@ -10,7 +10,7 @@ namespace platform {
 
 /// A file mapped into memory for reading. Moves, does not copy.
 class MappedFile {
-  public:
+public:
     MappedFile() = default;
     ~MappedFile();
     MappedFile(MappedFile&& other) noexcept;
@@ -22,7 +22,7 @@ class MappedFile {
     const char* data() const { return data_; }
     std::size_t size() const { return size_; }
 
-  private:
+private:
     void close();
     const char* data_ = nullptr;
     std::size_t size_ = 0;
@@ -31,7 +31,7 @@ class MappedFile {
 /// A file that appears under its name only when it is complete: written beside it under a
 /// temporary name, synced and renamed by commit(); removed when that is never called.
 class AtomicFile {
-  public:
+public:
     AtomicFile() = default;
     ~AtomicFile();
     AtomicFile(const AtomicFile&) = delete;
@@ -43,7 +43,7 @@ class AtomicFile {
     /// False with `error` in words (for instance "No space left on device").
     bool commit(std::string& error);
 
-  private:
+private:
     void flush();
     std::filesystem::path path_, temporary_;
     std::string buffer_;
@@ -53,10 +53,10 @@ class AtomicFile {
 
 /// Where things of the user live. `QORVANE_HOME`, when set, replaces all of them by one folder
 /// with a sub-folder each; otherwise the XDG rules hold. The folders are made when missing.
-std::filesystem::path data_folder();   ///< XDG_DATA_HOME or ~/.local/share
-std::filesystem::path config_folder(); ///< XDG_CONFIG_HOME or ~/.config
-std::filesystem::path cache_folder();  ///< XDG_CACHE_HOME or ~/.cache
-std::filesystem::path state_folder();  ///< XDG_STATE_HOME or ~/.local/state
+std::filesystem::path data_folder();      ///< XDG_DATA_HOME or ~/.local/share
+std::filesystem::path config_folder();    ///< XDG_CONFIG_HOME or ~/.config
+std::filesystem::path cache_folder();     ///< XDG_CACHE_HOME or ~/.cache
+std::filesystem::path state_folder();     ///< XDG_STATE_HOME or ~/.local/state
 std::filesystem::path documents_folder(); ///< XDG_DOCUMENTS_DIR or ~/Documents; not made
 std::filesystem::path temporary_folder(); ///< TMPDIR or /tmp
 

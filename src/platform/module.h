@@ -7,7 +7,7 @@
 namespace platform {
 
 class Module {
-  public:
+public:
     Module() = default;
     ~Module();
     Module(Module&& other) noexcept;
@@ -18,7 +18,7 @@ class Module {
     void* symbol(const std::string& name) const;
     bool is_open() const { return handle_ != nullptr; }
 
-  private:
+private:
     void* handle_ = nullptr;
 };
 

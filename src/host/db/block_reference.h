@@ -27,6 +27,7 @@ public:
 
     Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
     const char* notRenderedReason() const override;
+    void setBlockName(std::string name) { block_name_ = std::move(name); }
     /// Pushes the transform and lets the block's entities draw themselves through
     /// AcGiGeometry::draw. A block that inserts itself, or nesting deeper than 64 levels, is not
     /// entered.
@@ -36,9 +37,10 @@ public:
 
 protected:
     friend struct DxfAccess;
-    /// Draws the block once under `transform`.
-    void drawOnce(AcGiWorldDraw* draw, const AcGeMatrix3d& transform) const;
+    /// From the block's coordinates to the owner's, `shift` being added in the rotated plane.
+    AcGeMatrix3d transformWith(const AcGeVector3d& shift) const;
     AcDbObjectId block_;
+    std::string block_name_; ///< as the file has it, for a block that is missing
     AcGePoint3d position_;
     AcGeScale3d scale_;
     AcGeVector3d normal_ = AcGeVector3d::kZAxis;

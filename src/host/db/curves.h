@@ -41,9 +41,14 @@ public:
     AcGePoint3d position() const { return position_; }
     void setPosition(const AcGePoint3d& p) { position_ = p; }
     double thickness() const { return thickness_; }
+    void setThickness(double t) { thickness_ = t; }
+    AcGeVector3d normal() const { return normal_; }
+    void setNormal(const AcGeVector3d& n) { normal_ = n; }
 
     Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
     const char* notRenderedReason() const override;
+    std::uint32_t setAttributes(AcGiDrawableTraits* traits) override;
+    bool worldDraw(AcGiWorldDraw* draw) override;
     void dxfIn(const dxf::ObjectTags& tags) override;
     void dxfOut(dxf::TagWriter& writer) const override;
 
@@ -159,6 +164,8 @@ public:
     const std::vector<AcGePoint3d>& fitPoints() const { return fit_points_; }
     void set(int degree, std::vector<double> knots, std::vector<AcGePoint3d> control_points,
              std::vector<double> weights = {}, bool closed = false);
+    /// A curve of degree 3 through these points instead of control points.
+    void setFitPoints(std::vector<AcGePoint3d> points, bool closed = false);
     /// Points along the curve, chords no farther from it than `deviation`.
     std::vector<AcGePoint3d> sample(double deviation) const;
 

@@ -21,6 +21,7 @@ public:
     struct Entry {
         std::string key;
         AcDbObjectId id;
+        std::int16_t code = 350; ///< 350 or 360: how the file refers to it
     };
     const std::vector<Entry>& entries() const { return entries_; } ///< in file order
 
@@ -28,6 +29,7 @@ public:
     void dxfOut(dxf::TagWriter& writer) const override;
 
 private:
+    friend struct DxfAccess;
     std::vector<Entry> entries_;
     std::map<std::string, std::size_t> index_; ///< upper-case key to entry
 };

@@ -42,6 +42,8 @@ public:
     void dxfOut(dxf::TagWriter& writer) const override;
 
 protected:
+    /// Bits of entity_flags_.
+    static constexpr std::uint8_t kInvisibleBit = 1, kPaperSpaceBit = 2;
     AcDbObjectId layer_;
     AcDbObjectId line_type_;
     AcDbObjectId material_;

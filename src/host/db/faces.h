@@ -19,6 +19,7 @@ public:
     void setInvisibleEdges(std::uint8_t edges) { edges_ = edges; }
 
     Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
+    const char* notRenderedReason() const override;
     bool worldDraw(AcGiWorldDraw* draw) override;
     void dxfIn(const dxf::ObjectTags& tags) override;
     void dxfOut(dxf::TagWriter& writer) const override;
@@ -41,6 +42,7 @@ public:
     void setThickness(double t) { thickness_ = t; }
 
     Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
+    const char* notRenderedReason() const override;
     std::uint32_t setAttributes(AcGiDrawableTraits* traits) override;
     bool worldDraw(AcGiWorldDraw* draw) override;
     void dxfIn(const dxf::ObjectTags& tags) override;
@@ -69,8 +71,12 @@ public:
     std::int32_t subdivisionLevel() const { return level_; }
     void set(std::vector<AcGePoint3d> vertices, std::vector<std::int32_t> face_list,
              std::int32_t level);
+    /// Edges as pairs of vertex indices, and a crease for each: negative for always, n for the
+    /// first n rounds of smoothing.
+    void setCreases(std::vector<std::int32_t> edges, std::vector<double> creases);
 
     Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
+    const char* notRenderedReason() const override;
     bool worldDraw(AcGiWorldDraw* draw) override;
     void dxfIn(const dxf::ObjectTags& tags) override;
     void dxfOut(dxf::TagWriter& writer) const override;

@@ -85,17 +85,21 @@ public:
     std::int32_t smoothType() const { return smooth_; } ///< 75: 0, 5, 6 or 8
     double thickness() const { return thickness_; }
     AcGeVector3d normal() const { return normal_; }
+    void setThickness(double t) { thickness_ = t; }
+    void setNormal(const AcGeVector3d& n) { normal_ = n; }
     double elevation() const { return elevation_; }
+    void setElevation(double e) { elevation_ = e; }
     const std::vector<AcDbHeavyVertex>& vertices() const { return vertices_; }
     std::vector<AcDbHeavyVertex>& vertices() { return vertices_; }
 
+    /// The box of the points that are drawn: those of the frame of a smoothed one left out.
     Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
-    const char* notRenderedReason() const override;
-    std::uint32_t setAttributes(AcGiDrawableTraits* traits) override;
     void dxfIn(const dxf::ObjectTags& tags) override;
     void dxfOut(dxf::TagWriter& writer) const override;
 
 protected:
+    /// A point that is drawn: no face record, no frame point of a smoothed polyline.
+    bool isDrawn(const AcDbHeavyVertex& vertex) const;
     std::vector<AcDbHeavyVertex> vertices_;
     AcGeVector3d normal_ = AcGeVector3d::kZAxis;
     double elevation_ = 0, thickness_ = 0;
@@ -108,12 +112,18 @@ protected:
 class AcDb2dPolyline : public AcDbHeavyPolyline {
     ACRX_DECLARE_MEMBERS(AcDb2dPolyline)
 public:
+    /// Puts what is drawn, without the frame, into an empty light-weight polyline.
+    void convertTo(AcDbPolyline& polyline) const;
+    Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
+    const char* notRenderedReason() const override;
+    std::uint32_t setAttributes(AcGiDrawableTraits* traits) override;
     bool worldDraw(AcGiWorldDraw* draw) override;
 };
 
 class AcDb3dPolyline : public AcDbHeavyPolyline {
     ACRX_DECLARE_MEMBERS(AcDb3dPolyline)
 public:
+    const char* notRenderedReason() const override;
     bool worldDraw(AcGiWorldDraw* draw) override;
 };
 
@@ -128,6 +138,12 @@ public:
         m_ = m;
         n_ = n;
     }
+    /// Sizes of the smoothed grid.
+    void setDensity(std::int32_t m, std::int32_t n) {
+        m_density_ = m;
+        n_density_ = n;
+    }
+    const char* notRenderedReason() const override;
     bool worldDraw(AcGiWorldDraw* draw) override;
 };
 
@@ -137,5 +153,6 @@ public:
     /// Appends a point, or a face of one-based indices (0 for none, negative: invisible edge).
     void appendVertex(const AcGePoint3d& point);
     void appendFace(const std::array<std::int32_t, 4>& face);
+    const char* notRenderedReason() const override;
     bool worldDraw(AcGiWorldDraw* draw) override;
 };

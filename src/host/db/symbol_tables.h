@@ -47,7 +47,12 @@ class AcDbLayerTableRecord : public AcDbSymbolTableRecord {
     ACRX_DECLARE_MEMBERS(AcDbLayerTableRecord)
 public:
     AcCmEntityColor color() const { return color_; }
-    void setColor(const AcCmEntityColor& color) { color_ = color; }
+    void setColor(const AcCmEntityColor& color) {
+        color_ = color;
+        index_ = color.isByColor() ? index_ : color.colorIndex();
+    }
+    /// The index that the file gives, also beside a true colour.
+    std::int16_t colorIndex() const { return index_; }
     bool isOff() const { return off_; }
     void setIsOff(bool off) { off_ = off; }
     bool isFrozen() const { return (flags_ & 1) != 0; }
@@ -61,6 +66,7 @@ public:
 private:
     AcCmEntityColor color_ = AcCmEntityColor::index(7);
     bool off_ = false;
+    std::int16_t index_ = 7;
     AcDbObjectId material_;
 };
 

@@ -85,9 +85,12 @@ AcDbObjectId acedActiveViewportId();
 /// The host's main window, 0 without one; its title is empty then.
 std::uintptr_t adsw_acadMainWnd();
 std::string acedMainWindowTitle();
-/// True asks the running command to stop: the user pressed the interrupt key.
+/// True asks the running command to stop: the user pressed the interrupt key. It stays set until
+/// whoever runs commands takes it back; setting it is safe in a signal handler after a first call.
 bool acedUsrBrk();
 void acedSetUsrBrk(bool set);
+/// Forgets commands, reactors, pending words, the port and the break, and closes all documents.
+void acedReset();
 
 /// Follows commands.
 class AcEditorReactor {

@@ -1,0 +1,93 @@
+// Boxes of blocks, inner ones first, by a stack of our own: nesting may be of any depth.
+#include "host/db/block_extents.h"
+
+#include "host/db/block_reference.h"
+#include "host/db/draw_util.h"
+#include "host/db/symbol_tables.h"
+
+#include <memory>
+#include <unordered_map>
+
+namespace {
+
+struct BoxCache {
+    std::unordered_map<AcDbObjectId, AcDbExtents> boxes; ///< empty boxes of empty blocks included
+    int users = 0;
+};
+
+BoxCache& cache() {
+    thread_local BoxCache only;
+    return only;
+}
+
+/// A block whose entities are being gone through.
+struct Visit {
+    AcDbObjectId block;
+    std::unique_ptr<AcDbObjectPointer<AcDbBlockTableRecord>> record;
+    std::size_t next = 0;
+    AcDbExtents box;
+};
+
+/// Computes boxes until `root` has one. A block that is met again while it is being gone through
+/// inserts itself: that reference adds nothing.
+class BlockWalk {
+public:
+    explicit BlockWalk(AcDbObjectId root) {
+        enter(root);
+        while (!stack_.empty()) {
+            advance();
+        }
+    }
+
+private:
+    void enter(AcDbObjectId block) {
+        auto record = std::make_unique<AcDbObjectPointer<AcDbBlockTableRecord>>(block);
+        cache().boxes[block] = AcDbExtents(); // what a reference within sees
+        if (*record) {
+            stack_.push_back({block, std::move(record), 0, AcDbExtents()});
+        }
+    }
+
+    void advance() {
+        Visit& visit = stack_.back();
+        const auto& entities = (*visit.record)->entities();
+        while (visit.next < entities.size()) {
+            const AcDbObjectPointer<AcDbEntity> entity(entities[visit.next]);
+            if (entity && entity->visibility() == AcDb::kVisible) {
+                const auto* reference = AcDbBlockReference::cast(entity.object());
+                if (reference != nullptr &&
+                    !cache().boxes.contains(reference->blockTableRecord())) {
+                    enter(reference->blockTableRecord()); // this entity again when it is known
+                    return;
+                }
+                AcDbExtents box;
+                if (entity->getGeomExtents(box) == Acad::eOk) {
+                    visit.box.addExt(box);
+                }
+            }
+            ++visit.next;
+        }
+        cache().boxes[visit.block] = visit.box;
+        stack_.pop_back();
+    }
+
+    std::vector<Visit> stack_;
+};
+
+} // namespace
+
+AcDbBlockExtentsScope::AcDbBlockExtentsScope() { ++cache().users; }
+
+AcDbBlockExtentsScope::~AcDbBlockExtentsScope() {
+    if (--cache().users == 0) {
+        cache().boxes.clear();
+    }
+}
+
+Acad::ErrorStatus acdbGetBlockExtents(AcDbObjectId block, AcDbExtents& extents) {
+    const AcDbBlockExtentsScope scope;
+    if (!cache().boxes.contains(block)) {
+        const BlockWalk walk(block);
+    }
+    return draw::giveExtents(cache().boxes[block], extents);
+}

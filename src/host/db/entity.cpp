@@ -1,0 +1,82 @@
+// What all entities share.
+#include "host/db/entity.h"
+#include "host/db/database.h"
+#include "host/ed/ed.h"
+
+#include <fmt/format.h>
+
+ACRX_NO_CONS_DEFINE_MEMBERS(AcDbEntity, AcDbObject)
+ACRX_NO_CONS_DEFINE_MEMBERS(AcDbCurve, AcDbEntity)
+
+Acad::ErrorStatus AcDbEntity::setLayer(AcDbObjectId layer) {
+    const AcDbObjectPointer<AcDbLayerTableRecord> record(layer);
+    if (!record) {
+        return record.openStatus();
+    }
+    assertWriteEnabled();
+    layer_ = layer;
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbEntity::setLayer(const std::string& name) {
+    AcDbDatabase* own = database();
+    if (own == nullptr) {
+        return Acad::eNoDatabase;
+    }
+    AcDbObjectId id;
+    const Acad::ErrorStatus status = own->layerTable().getAt(name, id);
+    return status == Acad::eOk ? setLayer(id) : status;
+}
+
+std::string AcDbEntity::layer() const {
+    const AcDbObjectPointer<AcDbLayerTableRecord> record(layer_);
+    return record ? record->getName() : "0";
+}
+
+void AcDbEntity::setMaterial(AcDbObjectId material) {
+    assertWriteEnabled();
+    material_ = material;
+}
+
+void AcDbEntity::setColor(const AcCmEntityColor& color) {
+    assertWriteEnabled();
+    color_ = color;
+}
+
+AcDb::Visibility AcDbEntity::visibility() const {
+    return (entity_flags_ & kInvisibleBit) != 0 ? AcDb::kInvisible : AcDb::kVisible;
+}
+
+void AcDbEntity::setVisibility(AcDb::Visibility visibility) {
+    assertWriteEnabled();
+    entity_flags_ =
+        static_cast<std::uint8_t>(visibility == AcDb::kInvisible ? entity_flags_ | kInvisibleBit
+                                                                 : entity_flags_ & ~kInvisibleBit);
+}
+
+bool AcDbEntity::isInPaperSpace() const { return (entity_flags_ & kPaperSpaceBit) != 0; }
+
+Acad::ErrorStatus AcDbEntity::getGeomExtents(AcDbExtents&) const { return Acad::eNullExtents; }
+
+void AcDbEntity::list() const {
+    acutPrintf(fmt::format("\n{:<18} Layer: \"{}\"\n{:<18} Space: {} space\n{:<18} Handle = {:X}\n",
+                           dxfName(), layer(), "", isInPaperSpace() ? "Paper" : "Model", "",
+                           getAcDbHandle().value()));
+}
+
+std::uint32_t AcDbEntity::setAttributes(AcGiDrawableTraits* traits) {
+    const AcDbDatabase* own = database();
+    traits->setLayer(layer_.isNull() && own != nullptr ? own->layerZero() : layer_);
+    if (color_.isByColor()) {
+        traits->setTrueColor(color_);
+    } else {
+        traits->setColor(static_cast<std::uint16_t>(color_.colorIndex()));
+    }
+    traits->setLineType(line_type_);
+    traits->setMaterial(material_.isNull() && own != nullptr ? own->byLayerMaterial() : material_);
+    if (const AcGiMapper* own_mapper = mapper()) {
+        traits->setMapper(own_mapper);
+    }
+    traits->setThickness(0); // those that have one set it after this
+    return 0;
+}

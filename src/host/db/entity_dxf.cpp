@@ -1,0 +1,83 @@
+// What all entities share, in DXF.
+#include "host/db/database_impl.h"
+#include "host/db/entity.h"
+#include "host/dxf/fields.h"
+
+namespace {
+
+enum Code {
+    kLineType = 6,
+    kLayer = 8,
+    kHidden = 60,
+    kColor = 62,
+    kPaper = 67,
+    kMaterial = 347,
+    kTrueColor = 420
+};
+
+} // namespace
+
+void AcDbEntity::dxfIn(const dxf::ObjectTags& tags) {
+    dxf::LoadContext& context = tags.context();
+    bool true_color = false;
+    for (const dxf::Tag& tag : tags.common()) {
+        switch (tag.code) {
+        case kLayer:
+            layer_ = context.layer(tag.raw());
+            break;
+        case kLineType:
+            line_type_ = context.line_type(tag.raw());
+            break;
+        case kColor:
+            if (!true_color) {
+                color_ = AcCmEntityColor::index(tags.int32(tag));
+            }
+            break;
+        case kTrueColor:
+            color_ = AcCmEntityColor::trueColor(static_cast<std::uint32_t>(tags.integer(tag)));
+            true_color = true;
+            break;
+        case kHidden:
+            entity_flags_ |=
+                tags.integer(tag) != 0 ? std::uint8_t{DxfAccess::kInvisible} : std::uint8_t{0};
+            break;
+        case kPaper:
+            entity_flags_ |=
+                tags.integer(tag) != 0 ? std::uint8_t{DxfAccess::kPaperSpace} : std::uint8_t{0};
+            break;
+        case kMaterial:
+            material_ = tags.id(tag);
+            break;
+        default:
+            break;
+        }
+    }
+    if (layer_.isNull()) {
+        // Some programs put the layer behind the wrong marker; without any it is layer 0.
+        const dxf::Tag* misplaced = tags.find(kLayer);
+        layer_ = context.layer(misplaced != nullptr ? misplaced->raw() : "0");
+    }
+}
+
+void AcDbEntity::dxfOut(dxf::TagWriter& writer) const {
+    writer.subclass("AcDbEntity");
+    if (isInPaperSpace()) {
+        writer.integer(kPaper, 1);
+    }
+    writer.text(kLayer, layer());
+    if (const AcDbObjectPointer<AcDbSymbolTableRecord> type(line_type_); type) {
+        writer.text(kLineType, type->getName());
+    }
+    // A true colour is told to programs that know it; the nearest index is theirs to find.
+    if (color_.isByColor() && writer.version() >= 1018) {
+        writer.integer(kTrueColor, color_.word() & 0xffffff);
+    } else if (!color_.isByLayer() && !color_.isByColor()) {
+        writer.integer(kColor, color_.colorIndex());
+    }
+    if (visibility() == AcDb::kInvisible) {
+        writer.integer(kHidden, 1);
+    }
+    if (!material_.isNull() && writer.version() >= 1021) {
+        writer.id(kMaterial, material_);
+    }
+}

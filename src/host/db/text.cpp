@@ -1,0 +1,146 @@
+// Texts and attributes: data with their tags.
+#include "host/db/text.h"
+
+#include "host/dxf/fields.h"
+
+ACRX_DXF_DEFINE_MEMBERS(AcDbText, AcDbEntity, "TEXT")
+ACRX_DXF_DEFINE_MEMBERS(AcDbMText, AcDbText, "MTEXT")
+ACRX_DXF_DEFINE_MEMBERS(AcDbAttributeDefinition, AcDbText, "ATTDEF")
+ACRX_DXF_DEFINE_MEMBERS(AcDbAttribute, AcDbText, "ATTRIB")
+
+void AcDbText::dxfIn(const dxf::ObjectTags& tags) {
+    AcDbEntity::dxfIn(tags);
+    using F = dxf::Field<AcDbText>;
+    static constexpr F kFields[] = {F(10, &AcDbText::position_), F(40, &AcDbText::height_),
+                                    F(1, &AcDbText::text_), F::angle(50, &AcDbText::rotation_, 0),
+                                    F(210, &AcDbText::normal_)};
+    // The attribute's own part has other meanings for some of these codes.
+    std::span<const dxf::Tag> range = tags.subclass("AcDbText");
+    dxf::load_fields(*this, kFields, range.empty() ? tags.own() : range, tags);
+    dxf::repair_normal(normal_, tags);
+}
+
+void AcDbText::dxfOut(dxf::TagWriter& writer) const {
+    AcDbEntity::dxfOut(writer);
+    writer.subclass("AcDbText");
+    using F = dxf::Field<AcDbText>;
+    static constexpr F kFields[] = {F(10, &AcDbText::position_), F(40, &AcDbText::height_),
+                                    F(1, &AcDbText::text_), F::angle(50, &AcDbText::rotation_, 0),
+                                    F(210, &AcDbText::normal_)};
+    dxf::write_fields(*this, kFields, writer);
+    if (isA() == AcDbText::desc()) {
+        writer.subclass("AcDbText"); // the marker stands twice in a TEXT
+    }
+}
+
+void AcDbMText::dxfIn(const dxf::ObjectTags& tags) {
+    AcDbEntity::dxfIn(tags);
+    std::string bytes;
+    bool directed = false;
+    AcGeVector3d direction;
+    for (const dxf::Tag& tag : tags.own()) {
+        switch (tag.code) {
+        case 1:
+        case 3:
+            bytes += tag.raw(); // joined before decoding: a piece may end within a character
+            break;
+        case 10:
+        case 20:
+        case 30:
+            dxf::set_coordinate(position_, tag.code / 10 - 1, tags.real(tag));
+            break;
+        case 11:
+        case 21:
+        case 31:
+            dxf::set_coordinate(direction, tag.code / 10 - 1, tags.real(tag));
+            directed = true;
+            break;
+        case 40:
+            height_ = tags.real(tag);
+            break;
+        case 50: // radians here, unlike in TEXT
+            rotation_ = tags.real(tag);
+            directed = false;
+            break;
+        case 210:
+        case 220:
+        case 230:
+            dxf::set_coordinate(normal_, tag.code / 10 - 21, tags.real(tag));
+            break;
+        default:
+            break;
+        }
+    }
+    text_ = tags.context().encoding().decode(bytes);
+    dxf::repair_normal(normal_, tags);
+    if (directed && !direction.isZeroLength()) {
+        rotation_ = std::atan2(direction.y, direction.x);
+    }
+}
+
+void AcDbMText::dxfOut(dxf::TagWriter& writer) const {
+    constexpr std::size_t kLongest = 250; // bytes a piece
+    AcDbEntity::dxfOut(writer);
+    writer.subclass("AcDbMText");
+    writer.point(10, position_);
+    writer.real(40, height_);
+    std::string_view rest = text_;
+    while (rest.size() > kLongest) {
+        std::size_t cut = kLongest;
+        while (cut > 0 && (static_cast<unsigned char>(rest[cut]) & 0xc0) == 0x80) {
+            --cut;
+        }
+        cut = cut == 0 ? kLongest : cut;
+        writer.text(3, rest.substr(0, cut));
+        rest.remove_prefix(cut);
+    }
+    writer.text(1, rest);
+    if (!(normal_ == AcGeVector3d::kZAxis)) {
+        writer.vector(210, normal_);
+    }
+    if (rotation_ != 0) {
+        writer.real(50, rotation_);
+    }
+}
+
+namespace {
+
+/// Tag and, for definitions, prompt: in the subclass's own part where there is one.
+void read_attribute(const dxf::ObjectTags& tags, const char* subclass, std::string& tag_text,
+                    std::string* prompt) {
+    std::span<const dxf::Tag> range = tags.subclass(subclass);
+    for (const dxf::Tag& tag : range.empty() ? tags.own() : range) {
+        if (tag.code == 2) {
+            tag_text = tags.text(tag);
+        } else if (tag.code == 3 && prompt != nullptr) {
+            *prompt = tags.text(tag);
+        }
+    }
+}
+
+} // namespace
+
+void AcDbAttributeDefinition::dxfIn(const dxf::ObjectTags& tags) {
+    AcDbText::dxfIn(tags);
+    read_attribute(tags, "AcDbAttributeDefinition", tag_, &prompt_);
+}
+
+void AcDbAttributeDefinition::dxfOut(dxf::TagWriter& writer) const {
+    AcDbText::dxfOut(writer);
+    writer.subclass("AcDbAttributeDefinition");
+    writer.text(3, prompt_);
+    writer.text(2, tag_);
+    writer.integer(70, 0);
+}
+
+void AcDbAttribute::dxfIn(const dxf::ObjectTags& tags) {
+    AcDbText::dxfIn(tags);
+    read_attribute(tags, "AcDbAttribute", tag_, nullptr);
+}
+
+void AcDbAttribute::dxfOut(dxf::TagWriter& writer) const {
+    AcDbText::dxfOut(writer);
+    writer.subclass("AcDbAttribute");
+    writer.text(2, tag_);
+    writer.integer(70, 0);
+}

@@ -1,0 +1,64 @@
+// The message box and its port, see message_box.h.
+#include "omb/base/message_box.h"
+
+#include "omb/base/trace.h"
+
+namespace {
+
+std::unique_ptr<cl_window_port>& port_holder() {
+    static std::unique_ptr<cl_window_port> port = std::make_unique<cl_headless_window_port>();
+    return port;
+}
+
+void to_trace(const std::string& text, const std::string& title) {
+    OMB_TRACE(10, "%s: %s", title, text);
+}
+
+} // namespace
+
+cl_headless_window_port::cl_headless_window_port(message_sink sink)
+  : sink(std::move(sink)) {}
+
+int cl_headless_window_port::message_box(const std::string& text, const std::string& title,
+                                         unsigned type, cl_window_handle) {
+    (sink ? sink : to_trace)(text, title);
+    return safe_answer(type);
+}
+
+void cl_headless_window_port::error_dialog(const std::string& message,
+                                           const std::string& location) {
+    (sink ? sink : to_trace)(location.empty() ? message : message + "\n\n" + location, "Error");
+}
+
+int cl_headless_window_port::safe_answer(unsigned type) {
+    switch (type & 0xf) {
+    case message_box::ok:
+        return message_box::id_ok;
+    case message_box::abort_retry_ignore:
+        return message_box::id_abort;
+    case message_box::yes_no:
+        return message_box::id_no;
+    default:
+        return message_box::id_cancel;
+    }
+}
+
+cl_window_port& window_port() { return *port_holder(); }
+
+std::unique_ptr<cl_window_port> set_window_port(std::unique_ptr<cl_window_port> port) {
+    std::swap(port, port_holder());
+    if (!port_holder()) {
+        port_holder() = std::make_unique<cl_headless_window_port>();
+    }
+    return port;
+}
+
+void set_message_sink(message_sink sink) {
+    set_window_port(std::make_unique<cl_headless_window_port>(std::move(sink)));
+}
+
+int do_message_box(const std::string& text, const std::string& title, unsigned type,
+                   cl_window_handle parent) {
+    return window_port().message_box(text, title,
+                                     parent == nullptr ? type | message_box::on_top : type, parent);
+}

@@ -1,0 +1,4 @@
+qorvane_test(test_host_db
+  SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/db/shared_drawings_test.cpp
+  LINK qorvane_host nlohmann_json::nlohmann_json)
