@@ -131,8 +131,7 @@ void Space::polyface(const Mesh& mesh, const Look& look) {
     drawing_->add(index_, std::move(entity), look);
 }
 
-void Space::face(const Point& a, const Point& b, const Point& c, const Point& d,
-                 const Look& look) {
+void Space::face(const Point& a, const Point& b, const Point& c, const Point& d, const Look& look) {
     drawing_->add(index_, std::make_unique<AcDbFace>(mm(a), mm(b), mm(c), mm(d)), look);
 }
 
@@ -191,8 +190,7 @@ void place(AcDbBlockReference& reference, AcDbObjectId block, const Placement& p
     const Vector at = mm(placement.at).asVector();
     reference.setBlockTableRecord(block);
     reference.setNormal(placement.normal);
-    reference.setPosition(
-        {at.dotProduct(x), at.dotProduct(y), at.dotProduct(placement.normal)});
+    reference.setPosition({at.dotProduct(x), at.dotProduct(y), at.dotProduct(placement.normal)});
     reference.setRotation(radians(placement.turn));
     reference.setScaleFactors(placement.scale);
 }
@@ -240,8 +238,7 @@ void Drawing::layer(const std::string& name, const std::string& paint, int aci) 
     const DrawingImpl::Paint& look = impl_->paint(paint);
     auto record = std::make_unique<AcDbLayerTableRecord>();
     record->setName(name);
-    record->setColor(aci > 0 ? AcCmEntityColor::index(aci)
-                             : AcCmEntityColor::trueColor(look.rgb));
+    record->setColor(aci > 0 ? AcCmEntityColor::index(aci) : AcCmEntityColor::trueColor(look.rgb));
     record->setMaterialId(look.material);
     AcDbObjectId id;
     require(impl_->database.layerTable().add(std::move(record), id), name);

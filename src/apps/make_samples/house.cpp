@@ -49,8 +49,10 @@ void draw_main_wing(Drawing& drawing, Random& random) {
         {at(-1.75), 1.7, 0.46, 2.25, door},     {at(1.4), 1.3, 1.35, 1.5, window},
         {at(-10.2), 1.1, 4.98, 1.35, shuttered}};
     const std::vector<Opening> east = {{3.3, 1.1, 4.7, 1.35, shuttered}};
-    const std::vector<Opening> north = {{3, 1.3, 0.9, 1.5, window},  {8, 1.3, 0.9, 1.5, window},
-                                        {13, 1.3, 0.9, 1.5, window}, {3, 1.1, 4.6, 1.35, shuttered},
+    const std::vector<Opening> north = {{3, 1.3, 0.9, 1.5, window},
+                                        {8, 1.3, 0.9, 1.5, window},
+                                        {13, 1.3, 0.9, 1.5, window},
+                                        {3, 1.1, 4.6, 1.35, shuttered},
                                         {8, 1.1, 4.6, 1.35, shuttered}};
     draw_walls(space, {west, 8.4}, {3.5, 15}, 6.75, kWalls, {south, east, north, {}});
     const double pitch = 25, rise = 3.3 * std::tan(radians(pitch));
@@ -167,8 +169,8 @@ void draw_pergola(Drawing& drawing) {
         frame.append(block(0.15, 0.15, 2.45).move(x, 0.9, 0.0));
         for (const double brace : {-1.0, 1.0}) {
             if (x + brace > 3.5 && x + brace < 10.5) {
-                frame.append(bar({x + brace * 0.06, 0.9, 1.9}, {x + brace * 0.55, 0.9, 2.42}, 0.07,
-                                 0.09));
+                frame.append(
+                    bar({x + brace * 0.06, 0.9, 1.9}, {x + brace * 0.55, 0.9, 2.42}, 0.07, 0.09));
             }
         }
     }

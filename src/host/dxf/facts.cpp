@@ -2,9 +2,9 @@
 #include "host/dxf/facts.h"
 
 #include "host/db/curves.h"
+#include "host/db/database_impl.h"
 #include "host/db/faces.h"
 #include "host/db/polylines.h"
-#include "host/db/database_impl.h"
 
 #include <algorithm>
 
@@ -15,8 +15,14 @@ constexpr std::size_t kMostHandles = 10;
 
 /// Adds an entity's points to the box when it is a plain one.
 void add_plain(const AcDbEntity& entity, AcDbExtents& box) {
-    static constexpr std::string_view kPlain[] = {"LINE",   "POINT",    "CIRCLE", "ARC", "LWPOLYLINE",
-                                                  "POLYLINE", "3DFACE", "SOLID",  "TRACE"};
+    if (const auto* mesh = AcDbSubDMesh::cast(&entity); mesh != nullptr) {
+        for (const AcGePoint3d& p : mesh->vertices()) { // the cage, not what it is smoothed to
+            box.addPoint(p);
+        }
+        return;
+    }
+    static constexpr std::string_view kPlain[] = {
+        "LINE", "POINT", "CIRCLE", "ARC", "LWPOLYLINE", "POLYLINE", "3DFACE", "SOLID", "TRACE"};
     const std::string name = entity.dxfName();
     if (std::find(std::begin(kPlain), std::end(kPlain), name) == std::end(kPlain)) {
         return;
@@ -67,6 +73,16 @@ void collect_layers(AcDbDatabase& db, DrawingFacts& facts) {
     }
 }
 
+/// Every drawing has the layer of dimension points, told or not.
+void complete_layers(DrawingFacts& facts) {
+    const bool there = std::any_of(facts.layers.begin(), facts.layers.end(), [](const auto& entry) {
+        return fold_name(entry.first) == "defpoints";
+    });
+    if (!there) {
+        facts.layers["Defpoints"] = {};
+    }
+}
+
 void collect_blocks(AcDbDatabase& db, DrawingFacts& facts) {
     AcDbExtents plain;
     for (const AcDbObjectId id : db.blockTable().records()) {
@@ -96,8 +112,15 @@ DrawingFacts collect_facts(AcDbDatabase& db) {
     facts.file_version = DxfAccess::impl(db).document->version_text;
     const int version = DxfAccess::impl(db).document->version;
     facts.acadver = version <= 1009 ? "AC1009" : db.versionCode();
-    facts.insunits = db.insunits();
+    // A sound drawing without any header is taken for one in metres, as other programs do; of a
+    // damaged one nothing is known.
+    constexpr int kMeters = 6;
+    const bool sound = db.loadReport().repaired.empty() && db.loadReport().lost.empty();
+    const bool told = DxfAccess::impl(db).document->section("HEADER") != nullptr ||
+                      !db.headerVar("$INSUNITS").empty();
+    facts.insunits = told || !sound ? db.insunits() : kMeters;
     collect_layers(db, facts);
+    complete_layers(facts);
     collect_blocks(db, facts);
     for (const AcDbObjectId id : db.materials()) {
         if (const AcDbObjectPointer<AcDbMaterial> material(id); material) {

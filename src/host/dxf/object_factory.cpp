@@ -56,6 +56,12 @@ std::unique_ptr<AcDbObject> make() {
     return std::make_unique<T>();
 }
 
+/// The old name of a line in space, which it keeps.
+class OldLine : public AcDbLine {
+public:
+    std::string dxfName() const override { return "3DLINE"; }
+};
+
 /// Kinds that the class dictionary does not answer for: several classes share one DXF name, or one
 /// class has several.
 using Maker = std::unique_ptr<AcDbObject> (*)();
@@ -67,7 +73,7 @@ struct Alias {
 constexpr Alias kAliases[] = {
     {"3DFACE", make<AcDbFace>, true},         {"LINE", make<AcDbLine>, true},
     {"LWPOLYLINE", make<AcDbPolyline>, true}, {"INSERT", make<AcDbBlockReference>, true},
-    {"3DLINE", make<AcDbLine>, true},         {"ACDBDICTIONARYWDFLT", make<AcDbDictionary>, false},
+    {"3DLINE", make<OldLine>, true},          {"ACDBDICTIONARYWDFLT", make<AcDbDictionary>, false},
     {"MINSERT", make<AcDbMInsertBlock>, true}};
 
 std::unique_ptr<AcDbObject> make_polyline(std::int64_t flags) {

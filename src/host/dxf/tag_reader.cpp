@@ -17,8 +17,9 @@ FileForm detect_form(std::string_view bytes) {
     FileForm result;
     if (bytes.starts_with(kSentinel)) {
         result.first_byte = kSentinel.size();
-        // The first tag is 0 SECTION: one or two zero bytes before the letter.
-        const bool wide = bytes.size() > 23 && bytes[22] == '\0' && bytes[23] == '\0';
+        // The first tag is 0 SECTION, or a comment: 999 is E7 03 when codes have two bytes.
+        const std::string_view code = bytes.substr(22, 2);
+        const bool wide = code == std::string_view("\0\0", 2) || code == "\xe7\x03";
         result.form = wide ? Form::kBinary13 : Form::kBinary12;
         return result;
     }
