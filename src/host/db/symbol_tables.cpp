@@ -128,6 +128,12 @@ void AcDbLayerTableRecord::dxfOut(dxf::TagWriter& writer) const {
     }
 }
 
+void AcDbBlockTableRecord::dxfOut(dxf::TagWriter& writer) const {
+    AcDbSymbolTableRecord::dxfOut(writer);
+    writer.subclass("AcDbBlockTableRecord");
+    writer.text(2, name_);
+}
+
 bool AcDbBlockTableRecord::isLayout() const {
     const std::string folded = dxf::fold_name(name_);
     return folded.starts_with("*model_space") || folded.starts_with("*paper_space") ||
