@@ -16,7 +16,7 @@ json layers_json(const dxf::DrawingFacts& facts) {
     for (const auto& [name, layer] : facts.layers) {
         json row = {{"color", layer.color}, {"frozen", layer.frozen}, {"off", layer.off}};
         if (layer.true_color) {
-            row["true_color"] = fmt::format("#{:06x}", *layer.true_color);
+            row["true_color"] = fmt::format("{:06x}", *layer.true_color); // rrggbb
         }
         result[name] = std::move(row);
     }

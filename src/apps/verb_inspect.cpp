@@ -100,7 +100,8 @@ void print_layers(const dxf::DrawingFacts& facts) {
 
 void print_not_rendered(const dxf::DrawingFacts& facts) {
     if (facts.not_rendered.empty()) {
-        fmt::print("Everything in model space gives faces.\n");
+        fmt::print("{}\n", facts.modelspace.empty() ? "Model space is empty."
+                                                    : "Everything in model space gives faces.");
         return;
     }
     fmt::print("Not in the picture:\n");
