@@ -334,9 +334,11 @@ TEST(NewDrawing, HandlesAreSoundAndBelowTheSeed) {
     check_handles(save(*load(save(*again, AcDbDxfForm::kBinary)), AcDbDxfForm::kAscii));
 }
 
-TEST(NewDrawing, NewObjectsInAnOldFileTakeFreeHandles) {
+class NewObjects : public testing::TestWithParam<const char*> {};
+
+TEST_P(NewObjects, InAFileOfEntitiesOnlyStandOnceAndTakeFreeHandles) {
     const auto db =
-        load(with_entities("  0\nPOINT\n  8\n0\n  0\nPOINT\n  5\n10\n  8\n0\n", "AC1009"));
+        load(with_entities("  0\nPOINT\n  8\n0\n  0\nPOINT\n  5\n10\n  8\n0\n", GetParam()));
     AcDbObjectId id;
     {
         AcDbObjectPointer<AcDbBlockTableRecord> space(db->modelSpaceId(), AcDb::kForWrite);
@@ -344,9 +346,16 @@ TEST(NewDrawing, NewObjectsInAnOldFileTakeFreeHandles) {
     }
     EXPECT_GT(id.handle().value(), 0x10u);
     const std::string written = save(*db);
-    EXPECT_THAT(written, testing::Not(HasSubstr("AcDb"))) << "no markers in old files";
-    EXPECT_NE(first_entity<AcDbLine>(*load(written)), nullptr);
+    const auto again = load(written);
+    EXPECT_EQ(findings(*again), "");
+    const dxf::DrawingFacts facts = dxf::collect_facts(*again);
+    EXPECT_EQ(facts.modelspace, (std::map<std::string, std::uint64_t>{{"LINE", 1}, {"POINT", 2}}));
+    EXPECT_EQ(facts.blocks, 0u);
+    const bool old = std::string(GetParam()) <= "AC1009";
+    EXPECT_EQ(written.find("AcDb") == std::string::npos, old) << "no markers in old files";
 }
+INSTANTIATE_TEST_SUITE_P(Versions, NewObjects,
+                         testing::Values("AC1006", "AC1009", "AC1015", "AC1032"));
 
 TEST(NewDrawing, IsOpenedByOneWriterOrManyReaders) {
     AcDbDatabase db;
