@@ -62,13 +62,26 @@ renderer::Material reflecting_surface(const CTsMaterial& material) {
     return surface;
 }
 
+/// A material that says nothing of reflections: the kind that its name tells, as sharp as it says.
+/// Glass that lets nothing through is the front of a building: it mirrors.
+renderer::Material plain_surface(const CTsMaterial& material) {
+    const float sharpness = share(material.m_Sharpness);
+    const SurfaceKind kind = guess_surface(material.m_Name);
+    const bool mirrors = kind == SurfaceKind::glass && sharpness > 0;
+    renderer::Material surface =
+        make_surface(mirrors ? SurfaceKind::paint : kind, linear(material.m_Color));
+    if (sharpness > 0 && kind != SurfaceKind::water) {
+        surface.roughness = std::max(0.03f, 1 - sharpness);
+        surface.specular = mirrors ? 1.0f : surface.specular;
+    }
+    return surface;
+}
+
 /// A toolkit material: what it says itself rules, its name only fills in what it leaves open.
 renderer::Material surface_from(const CTsMaterial& material) {
-    renderer::Material surface =
-        material.m_Transparency > 0 ? transparent_surface(material)
-        : material.m_Reflection > 0
-            ? reflecting_surface(material)
-            : make_surface(guess_surface(material.m_Name), linear(material.m_Color));
+    renderer::Material surface = material.m_Transparency > 0 ? transparent_surface(material)
+                                 : material.m_Reflection > 0 ? reflecting_surface(material)
+                                                             : plain_surface(material);
     const auto glow = static_cast<float>(std::max(material.m_Glow, 0.0) / lumens_per_watt);
     surface.emission = linear(material.m_Color) * glow;
     return surface;

@@ -128,6 +128,33 @@ TEST_F(SurfaceTableTest, APaneIsClearAndOtherTransparencyKeepsItsBody) {
     std::filesystem::remove(path);
 }
 
+TEST_F(SurfaceTableTest, SharpnessWithoutReflectionIsTheCoat) {
+    struct Case {
+        const char* name;
+        double sharpness;
+        float roughness, specular, metallic;
+    };
+    const Case cases[] = {
+        {"Plaster", 0.1, 0.9f, 0.25f, 0},      {"Car red", 0.9, 0.1f, 0.5f, 0},
+        {"Paint", 0, 0.6f, 0.5f, 0},           {"Brass", 0.8, 0.2f, 0.5f, 1},
+        {"Tower glass", 0.95, 0.05f, 1.0f, 0},
+    };
+    for (const Case& c : cases) {
+        CTsMaterial material;
+        material.m_Name = c.name;
+        material.m_Sharpness = c.sharpness;
+        std::string error;
+        const std::string path = (folder_ / "Gone.TsMaterial").string();
+        ASSERT_TRUE(material.WriteFile(path, error));
+        const renderer::Material got = surface("MATL;12\n");
+        std::filesystem::remove(path);
+        EXPECT_NEAR(got.roughness, c.roughness, 1e-6f) << c.name;
+        EXPECT_FLOAT_EQ(got.specular, c.specular) << c.name;
+        EXPECT_FLOAT_EQ(got.metallic, c.metallic) << c.name;
+        EXPECT_EQ(got.transmission, 0) << c.name;
+    }
+}
+
 TEST_F(SurfaceTableTest, AMaterialMayTakeTheColourOfItsObject) {
     CTsMaterial material;
     material.m_Name = "Lacquered";
