@@ -28,27 +28,33 @@ struct Pixel {
     bool surface;
 };
 
+float square(float x) { return x * x; }
+
 class Guide {
 public:
     explicit Guide(const Film& film)
       : width_(film.width)
       , height_(film.height) {
         pixels_.resize(film.radiance.size());
+        std::vector<float> variance(pixels_.size());
         const float samples = static_cast<float>(std::max(film.samples, 2));
         for (std::size_t i = 0; i < pixels_.size(); ++i) {
             Pixel& p = pixels_[i];
             p.albedo = usable_albedo(film.albedo[i]);
             const Rgb c = film.radiance[i];
             p.light = {c.x / p.albedo.x, c.y / p.albedo.y, c.z / p.albedo.z};
-            const float y = std::max(luminance(c), 1e-12f);
-            p.variance = film.variance[i] / ((samples - 1) * y * y);
             p.normal = film.normal[i];
             p.depth = film.depth[i];
             p.surface = film.alpha[i] > 0.5f && is_finite(c);
+            variance[i] = film.variance[i] / ((samples - 1) * square(luminance(p.albedo)));
         }
         for (int y = 0; y < height_; ++y)
-            for (int x = 0; x < width_; ++x)
-                at(x, y).depth_slope = {slope(x, y, 1, 0), slope(x, y, 0, 1)};
+            for (int x = 0; x < width_; ++x) {
+                Pixel& p = at(x, y);
+                p.depth_slope = {slope(x, y, 1, 0), slope(x, y, 0, 1)};
+                p.variance =
+                    steady_variance(variance, x, y) / std::max(square(luminance(p.light)), 1e-24f);
+            }
     }
 
     static Rgb usable_albedo(Rgb a) {
@@ -64,6 +70,20 @@ public:
     }
 
 private:
+    /// A pixel that no rare bright path has met yet believes itself free of noise; its neighbours
+    /// know better.
+    float steady_variance(const std::vector<float>& variance, int x, int y) const {
+        float sum = 0;
+        int count = 0;
+        for (int v = y - 1; v <= y + 1; ++v)
+            for (int u = x - 1; u <= x + 1; ++u)
+                if (holds(u, v) && at(u, v).surface) {
+                    sum += variance[index(u, v)];
+                    ++count;
+                }
+        return count > 0 ? std::max(variance[index(x, y)], sum / static_cast<float>(count)) : 0;
+    }
+
     /// Change of depth a pixel along a direction, the smaller of both sides: no leap at an edge.
     float slope(int x, int y, int dx, int dy) const {
         const float here = at(x, y).depth;
@@ -77,8 +97,6 @@ private:
     int width_, height_;
     std::vector<Pixel> pixels_;
 };
-
-float square(float x) { return x * x; }
 
 /// How little two pixels have in common as surfaces; from `cut_off` on they are strangers.
 float feature_distance(const Pixel& p, const Pixel& q, int dx, int dy) {

@@ -20,8 +20,7 @@ std::optional<std::string> ScriptedPort::readLine(const std::string& prompt) {
 }
 
 void ExtractionTest::SetUp() {
-    home = std::filesystem::temp_directory_path() /
-           ("qorvane-addon-" + std::to_string(getpid()));
+    home = std::filesystem::temp_directory_path() / ("qorvane-addon-" + std::to_string(getpid()));
     std::filesystem::remove_all(home);
     std::filesystem::create_directories(home);
     setenv("QORVANE_HOME", home.c_str(), 1);

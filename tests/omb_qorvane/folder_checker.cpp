@@ -110,9 +110,18 @@ std::vector<std::string> check_view(std::string_view text, std::map<std::string,
     }
     const std::string n = "-?[0-9][-+.0-9e]*";
     const std::string triple = "\\(" + n + "," + n + "," + n + "\\)";
-    std::vector<std::string> patterns{"#;Batch_ViewSettingsFile", "ViewName;Current", "",
-                                      "IsAcad;1", "", "PixelWidth;0", "PixelHeight;0", "", "",
-                                      "viewport: width = 0  height = 0", "", ""};
+    std::vector<std::string> patterns{"#;Batch_ViewSettingsFile",
+                                      "ViewName;Current",
+                                      "",
+                                      "IsAcad;1",
+                                      "",
+                                      "PixelWidth;0",
+                                      "PixelHeight;0",
+                                      "",
+                                      "",
+                                      "viewport: width = 0  height = 0",
+                                      "",
+                                      ""};
     const auto axes = [&](const std::string& name, const std::string& unit) {
         for (const char* axis : {"X", "Y", "Z"}) {
             patterns.push_back(name + axis + unit + ";" + n);

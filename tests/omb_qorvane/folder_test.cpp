@@ -233,8 +233,8 @@ TEST_F(Folder, MaterialsKeepOrTakeColor) {
     extract();
     CTsMaterial read;
     std::string error;
-    ASSERT_TRUE(read.ReadFile((folder / "Materials" / "Glas%20gr%fcn%2f1.TsMaterial").string(),
-                              error))
+    ASSERT_TRUE(
+        read.ReadFile((folder / "Materials" / "Glas%20gr%fcn%2f1.TsMaterial").string(), error))
         << error;
     EXPECT_EQ(read.m_Name, "Glas grün/1");
     EXPECT_FALSE(read.m_UsesObjectColor);

@@ -38,7 +38,8 @@ protected:
         double sum = 0;
         for (const auto& f : mesh.faces) {
             const auto at = [&](int i) {
-                const checker::triple& p = mesh.vertices.at(f[static_cast<std::size_t>(i)]).position;
+                const checker::triple& p =
+                    mesh.vertices.at(f[static_cast<std::size_t>(i)]).position;
                 return AcGePoint3d{p[0], p[1], p[2]};
             };
             sum += (at(1) - at(0)).crossProduct(at(2) - at(0)).length() / 2;
@@ -86,8 +87,7 @@ TEST_F(Pline, SolidBandIsClosedAllRound) {
 }
 
 TEST_F(Pline, ClosedBandHasNoCaps) {
-    const auto closed =
-        drawn(polyline({{0, 0}, {100, 0}, {100, 100}, {0, 100}}, 10, 10, true));
+    const auto closed = drawn(polyline({{0, 0}, {100, 0}, {100, 100}, {0, 100}}, 10, 10, true));
     EXPECT_THAT(closed.at(0).faces, SizeIs(4 * 8));
     EXPECT_NEAR(area(closed.at(0)), 2 * (110 * 110 - 90 * 90) + 4 * (110 + 90) * 10, 1e-6);
 }

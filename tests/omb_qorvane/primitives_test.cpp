@@ -130,9 +130,8 @@ TEST_F(Primitives, MeshWeldsAndSharesOneNormal) {
     // (third - first) x (second - first) of the first three that differ.
     EXPECT_THAT(text, HasSubstr("BROT;0\nNORM;(0,1,0)\nUVQ;(0,0,0)\nVERT;(0,0, 0)\nADDV;0\n"));
     // Going round, column 0 takes the number of column 2.
-    EXPECT_THAT(stream.meshes[0].faces,
-                ElementsAre(ElementsAre(2, 1, 4), ElementsAre(2, 4, 5), ElementsAre(1, 2, 5),
-                            ElementsAre(1, 5, 4)));
+    EXPECT_THAT(stream.meshes[0].faces, ElementsAre(ElementsAre(2, 1, 4), ElementsAre(2, 4, 5),
+                                                    ElementsAre(1, 2, 5), ElementsAre(1, 5, 4)));
     EXPECT_THAT(stream.meshes[1].vertices, SizeIs(1));
     EXPECT_THAT(stream.meshes[1].faces, SizeIs(0));
 }

@@ -66,8 +66,8 @@ TEST(RecordText, TimeIsEnglishWhateverTheLocale) {
 
 TEST(StreamTransform, RotationAboutZOfAnyTransform) {
     const AcGeVector3d y{0, 1, 0};
-    EXPECT_NEAR(rotation_about_z(AcGeMatrix3d::rotation(2, AcGeVector3d::kZAxis)),
-                2 * 180 / M_PI, 1e-9);
+    EXPECT_NEAR(rotation_about_z(AcGeMatrix3d::rotation(2, AcGeVector3d::kZAxis)), 2 * 180 / M_PI,
+                1e-9);
     EXPECT_EQ(rotation_about_z(AcGeMatrix3d()), 0);
     // The X axis stands upright: the Y axis tells.
     EXPECT_EQ(rotation_about_z(AcGeMatrix3d::rotation(-M_PI / 2, y)), 0);

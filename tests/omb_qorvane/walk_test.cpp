@@ -99,12 +99,12 @@ TEST_F(Walk, TransformsReachCoordinatesNormalsAndRotation) {
 
 /// How an entity says its colour, its place in the tree, and what comes out.
 struct ColorCase {
-    const char* entity;     ///< "layer", "block", "index" or "true"
-    bool entity_on_zero;    ///< on layer 0, else on its own layer (index 1, red)
-    const char* middle;     ///< colour of the inner reference
-    bool middle_on_zero;    ///< else on a layer of index 3, green
-    const char* outer;      ///< colour of the outer reference, on a layer of index 5, blue
-    std::uint32_t color;    ///< 0x00BBGGRR
+    const char* entity;  ///< "layer", "block", "index" or "true"
+    bool entity_on_zero; ///< on layer 0, else on its own layer (index 1, red)
+    const char* middle;  ///< colour of the inner reference
+    bool middle_on_zero; ///< else on a layer of index 3, green
+    const char* outer;   ///< colour of the outer reference, on a layer of index 5, blue
+    std::uint32_t color; ///< 0x00BBGGRR
     int index;
     const char* key;
 };

@@ -56,6 +56,17 @@ void draw_path(Space& space) {
     path.thickness = 0.125;
     path.width = 1.7;
     space.polyline(path, {"Path"});
+    // Stepping stones lead to the pavilion's stair.
+    const double turns[] = {4, -9, 13, 2, -6, 10, -3};
+    for (int i = 0; i < 7; ++i) {
+        const double x = 12.4 + 0.15 * (i % 2), y = -5.8 + 1.5 * i;
+        std::vector<Point2> corners;
+        for (int k = 0; k < 4; ++k) {
+            const double a = radians(45 + 90 * k + turns[i]);
+            corners.push_back({x + 0.55 * std::cos(a), y + 0.42 * std::sin(a)});
+        }
+        space.solid(corners, -0.12, 0.11, {"Path", "Limestone 3"});
+    }
 }
 
 void draw_plants(Drawing& drawing) {

@@ -126,12 +126,12 @@ std::string far_tree_block(Drawing& drawing, int variant) {
         const double size = i == 0 ? 1.5 : random.real(0.85, 1.15);
         const Point center{reach * std::cos(a), reach * std::sin(a),
                            i == 0 ? 4.4 : random.real(2.7, 4.6)};
-        Mesh mesh = blob(size * 0.75, 2, 0.2, random);
+        Mesh mesh = blob(size * 0.62, 2, 0.2, random);
         mesh.stretch(1, 1, 0.85).move(center.x, center.y, center.z);
         space.mesh(mesh, {"Foliage dark", "Leaf 3"});
         for (int k = 0; k < (i == 0 ? 14 : 6); ++k) {
             const Vector out = any_direction(random);
-            const Point at = center + Vector{out.x, out.y, out.z * 0.85} * (size * 0.85);
+            const Point at = center + Vector{out.x, out.y, out.z * 0.85} * (size * 0.78);
             const double scale = random.real(1.4, 1.9);
             space.insert(leaves, {at, random.real(0, 360), scale},
                          {"Foliage light", out.z > 0 ? kByBlock : "Leaf"});
