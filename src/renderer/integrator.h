@@ -42,7 +42,6 @@ private:
     void add_direct_light(PathState& state, const Vertex& vertex, Sampler& sampler) const;
     Rgb light_from(const LightSample& light, const Vertex& vertex) const;
     bool scatter(PathState& state, const Vertex& vertex, Sampler& sampler) const;
-    float sun_share(Vec3 normal) const;
     void add(PathState& state, Rgb light, int depth) const;
 
     const Accel& accel_;

@@ -68,7 +68,7 @@ double key_luminance(std::vector<float>& values) {
 } // namespace
 
 double automatic_exposure(const Film& film) {
-    constexpr double key_target = 0.24; // of the card, before the curve
+    constexpr double key_target = 0.26; // of the card, before the curve
     const std::size_t n = film.radiance.size();
     const bool featured = film.albedo.size() == n && film.alpha.size() == n;
     std::vector<float> surfaces, sky;
