@@ -165,6 +165,11 @@ RenderJob plan_render(const BatchFolder& folder, int threads, WarningList& warni
     return job;
 }
 
+bool is_toned(const std::filesystem::path& path) {
+    const std::string extension = lower_extension(path);
+    return extension != "hdr" && extension != "exr";
+}
+
 void add_metadata(RenderJob& job, const BatchFolder& folder, const std::string& program_version,
                   int passes, double seconds) {
     const ViewRecord& view = folder.view;
@@ -173,7 +178,7 @@ void add_metadata(RenderJob& job, const BatchFolder& folder, const std::string& 
         settings += line + "\n";
     }
     job.image.metadata = {
-        {"Software", program_version},
+        {"Software", "Qorvane (" + program_version + ")"},
         {"Drawing", folder.params.model_path},
         {"DrawingSHA1", file_hash(folder.params.model_path)},
         {"View", fmt::format("{}: eye {} target {} up {} field {:.9g} x {:.9g} m, {}", view.name,

@@ -7,7 +7,9 @@
 #include <atomic>
 #include <charconv>
 #include <csignal>
+#include <cstdint>
 #include <cstdio>
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -17,11 +19,24 @@
 namespace {
 
 std::atomic<int> stop_signal{0};
-static_assert(std::atomic<int>::is_always_lock_free, "a signal handler may use nothing else");
+std::atomic<std::int64_t> first_signal_ms{0};
+static_assert(std::atomic<int>::is_always_lock_free &&
+                  std::atomic<std::int64_t>::is_always_lock_free,
+              "a signal handler may use nothing else");
+
+/// An interrupt key reaches this process and the one that started it, which hands it on: signals
+/// this close together are one.
+constexpr std::int64_t same_signal_ms = 700;
 
 /// The first signal asks for a safe stop, the second ends the process at once.
 void on_signal(int number) {
-    if (stop_signal.exchange(number) != 0) {
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    const std::int64_t ms = std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
+    if (stop_signal.load() == 0) {
+        first_signal_ms = ms;
+        stop_signal = number;
+    } else if (ms - first_signal_ms.load() > same_signal_ms) {
         _exit(128 + number);
     }
 }

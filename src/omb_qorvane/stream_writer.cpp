@@ -46,11 +46,12 @@ void cl_stream_writer::handle(std::string_view keyword, std::uint64_t value) {
 void cl_stream_writer::triple(std::string_view head, double x, double y, double z,
                               std::string_view before_z) {
     char* out = put(room(head.size() + 3 * max_chars + 8), head);
-    out = number_text::write_g9(out, x);
+    // Adding zero turns a negative zero into a plain one.
+    out = number_text::write_g9(out, x + 0.0);
     *out++ = ',';
-    out = number_text::write_g9(out, y);
+    out = number_text::write_g9(out, y + 0.0);
     out = put(out, before_z);
-    out = number_text::write_g9(out, z);
+    out = number_text::write_g9(out, z + 0.0);
     out = put(out, ")\n");
     commit(out);
 }

@@ -176,28 +176,14 @@ TEST(RunBatch, DamageGivesItsExitCodeAndNoPicture) {
     }
 }
 
-TEST(RunBatch, AbsurdSettingsAreRefusedInWords) {
-    struct Case {
-        const char* setting;
-        int code;
-        const char* message;
-    };
-    const Case cases[] = {
-        {"iks_resx; 100000\niks_resy; 100000\n", 6,
-         "a picture of 100000 by 100000 pixels is beyond the limit of 100000000 pixels"},
-        {"rqor_sun_altitude; nan\n", 3,
-         "the sun's position in the settings or the render document is no finite number"},
-        {"rqor_groundplane_elevation; 1e999\n", 3,
-         "the ground plane's elevation in the settings or the render document is no finite number"},
-    };
-    for (const Case& c : cases) {
-        const BatchFolderOnDisk folder("absurd");
-        folder.write("option_globals.txt", folder.settings(c.setting));
-        OutputRecord out;
-        EXPECT_EQ(run(folder, out), c.code) << c.setting;
-        ASSERT_EQ(out.errors.size(), 1u) << c.setting;
-        EXPECT_EQ(out.errors[0], c.message);
-    }
+TEST(RunBatch, AbsurdSizesAreRefusedInWords) {
+    const BatchFolderOnDisk folder("absurd");
+    folder.write("option_globals.txt", folder.settings("iks_resx; 100000\niks_resy; 100000\n"));
+    OutputRecord out;
+    EXPECT_EQ(run(folder, out), 6);
+    ASSERT_EQ(out.errors.size(), 1u);
+    EXPECT_EQ(out.errors[0], "a picture of 100000 by 100000 pixels is beyond the limit of "
+                             "100000000 pixels");
 }
 
 TEST(RunBatch, MissingSettingsAndDocumentAreSurvived) {

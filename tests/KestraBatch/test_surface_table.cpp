@@ -90,7 +90,7 @@ TEST_F(SurfaceTableTest, PrecedenceOfMaterialAndColours) {
 
 TEST_F(SurfaceTableTest, TheLayerTellsWhatAShellOrMeshIsMadeOf) {
     EXPECT_GT(surface("LAYR;LAY:Window glass\nCOLR;ff\n").transmission, 0.5f);
-    EXPECT_GT(surface("CULL;0\n#;LAYR: LAY:Window glass\n").transmission, 0.5f);
+    EXPECT_GT(surface("CULL;0\n#;KEY: LAY:Window glass\n").transmission, 0.5f);
     EXPECT_EQ(surface("LAYR;COL:4\nCOLR;ff\n").transmission, 0);
 }
 
