@@ -165,6 +165,11 @@ RenderJob plan_render(const BatchFolder& folder, int threads, WarningList& warni
     return job;
 }
 
+bool is_toned(const std::filesystem::path& path) {
+    const std::string extension = lower_extension(path);
+    return extension != "hdr" && extension != "exr";
+}
+
 void add_metadata(RenderJob& job, const BatchFolder& folder, const std::string& program_version,
                   int passes, double seconds) {
     const ViewRecord& view = folder.view;

@@ -30,6 +30,9 @@ RenderJob plan_render(const BatchFolder& folder, int threads, WarningList& warni
 void add_metadata(RenderJob& job, const BatchFolder& folder, const std::string& program_version,
                   int passes, double seconds);
 
+/// True for the kinds of file that hold display values (png, jpg), false for linear light.
+bool is_toned(const std::filesystem::path& path);
+
 /// Most pixels of a picture.
 inline constexpr long long pixel_limit = 100'000'000;
 

@@ -41,6 +41,11 @@ std::uint64_t point_key(const std::array<Vec3, 3>& corners) {
     return sum;
 }
 
+Vec3 relative(const Triple& p, const Triple& center) {
+    return {static_cast<float>(p.x - center.x), static_cast<float>(p.y - center.y),
+            static_cast<float>(p.z - center.z)};
+}
+
 class SceneBuilder {
 public:
     SceneBuilder(const StreamModel& model, const SceneDescription& description,
@@ -213,10 +218,14 @@ renderer::Scene build_renderer_scene(const StreamModel& model, const SceneDescri
     scene.environment = make_environment(description.light, warnings);
     scene.camera = make_camera(description.view, description.perspective, description.center,
                                aspect, warnings);
+    std::optional<float> ground;
     if (description.ground) {
-        scene.ground =
-            renderer::GroundPlane{static_cast<float>(*description.ground - description.center.z),
-                                  description.ground_surface};
+        ground = static_cast<float>(*description.ground - description.center.z);
+        scene.ground = renderer::GroundPlane{*ground, description.ground_surface};
+    }
+    if (description.has_geometry) {
+        step_back(scene.camera, relative(description.low, description.center),
+                  relative(description.high, description.center), ground);
     }
     return scene;
 }

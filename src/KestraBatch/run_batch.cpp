@@ -5,6 +5,7 @@
 #include "KestraBatch/render_job.h"
 #include "KestraBatch/renderer_scene.h"
 #include "omb/globals/globals.h"
+#include "renderer/denoise.h"
 #include "renderer/renderer.h"
 
 #include <algorithm>
@@ -123,10 +124,17 @@ private:
         return cancelled ? stop_code() : ExitCode::done;
     }
 
+    /// Pictures to look at lose their grain; files of linear light keep what was measured.
     void save(const renderer::Film& film, const RenderJob& job) {
+        renderer::Film clean;
         for (const auto& path : job.outputs) {
+            const bool toned = is_toned(path);
+            if (toned && clean.radiance.empty()) {
+                clean = film;
+                renderer::denoise(clean);
+            }
             try {
-                renderer::save_image(path, film, job.tone, job.image);
+                renderer::save_image(path, toned ? clean : film, job.tone, job.image);
             } catch (const std::runtime_error& error) {
                 throw ReadError(ExitCode::output_unwritable, error.what());
             }

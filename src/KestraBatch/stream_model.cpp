@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace KestraBatch {
 
@@ -111,12 +112,15 @@ void StreamModel::start_normals() {
     normals.resize(normals.size() + (positions.size() - mesh().first_vertex));
 }
 
-void StreamModel::add_vertex(std::uint32_t) {
+void StreamModel::add_vertex(std::uint32_t index) {
+    constexpr double nothing = std::numeric_limits<double>::quiet_NaN();
+    positions.resize(mesh().first_vertex + index, {nothing, nothing, nothing}); // left-out numbers
     non_finite_vertices += finite(pending_vertex_) ? 0 : 1;
     if (has_pending_normal_ && !mesh().has_normals) {
         start_normals();
     }
     if (mesh().has_normals) {
+        normals.resize(mesh().first_normal + index);
         normals.push_back(has_pending_normal_ ? pending_normal_ : std::array<float, 3>{});
     }
     positions.push_back(pending_vertex_);

@@ -1,4 +1,6 @@
 // The drawing's own settings: one xrecord a global in the dictionary OMB_Qorvane.
+#include "omb_qorvane/dictionary.h"
+
 #include "omb/base/folders.h"
 #include "omb/base/trace.h"
 #include "omb/globals/catalogue.h"
@@ -148,15 +150,7 @@ AcDbObjectId create_dictionary(AcDbDictionary& named_objects) {
     return id;
 }
 
-void trace_units(const char* when) {
-    OMB_TRACE(0, "%ssomb_acad_database_name: %s", when, get_global_string(name_record));
-    OMB_TRACE(0, "%ssks_acad_drawing_units: %s", when, get_global_string("sks_acad_drawing_units"));
-}
-
-} // namespace
-
-AcDbObjectId cl_omb_export::OMB_QorvaneDictionary(AcDb::OpenMode mode, AcDbDatabase* database,
-                                                  bool create) {
+AcDbObjectId find_dictionary(AcDb::OpenMode mode, AcDbDatabase* database, bool create) {
     if (database == nullptr) {
         database = acdbCurDwg();
     }
@@ -169,6 +163,38 @@ AcDbObjectId cl_omb_export::OMB_QorvaneDictionary(AcDb::OpenMode mode, AcDbDatab
         return id;
     }
     return create ? create_dictionary(*named_objects) : AcDbObjectId();
+}
+
+void trace_units(const char* when) {
+    OMB_TRACE(0, "%ssomb_acad_database_name: %s", when, get_global_string(name_record));
+    OMB_TRACE(0, "%ssks_acad_drawing_units: %s", when, get_global_string("sks_acad_drawing_units"));
+}
+
+} // namespace
+
+AcDbObjectId cl_omb_export::OMB_QorvaneDictionary(AcDb::OpenMode mode, AcDbDatabase* database,
+                                                  bool create) {
+    return find_dictionary(mode, database, create);
+}
+
+std::set<std::string> names_in_OMB_QorvaneDictionary(AcDbDatabase& database) {
+    std::set<std::string> names;
+    const AcDbObjectPointer<AcDbDictionary> dictionary(
+        find_dictionary(AcDb::kForRead, &database, false));
+    if (dictionary) {
+        for (const AcDbDictionary::Entry& entry : dictionary->entries()) {
+            names.insert(entry.key);
+        }
+    }
+    return names;
+}
+
+void write_global_to_OMB_QorvaneDictionary(AcDbDatabase& database, const std::string& name) {
+    const AcDbObjectPointer<AcDbDictionary> dictionary(
+        find_dictionary(AcDb::kForWrite, &database, true), AcDb::kForWrite);
+    if (dictionary) {
+        put_record(*dictionary, name, value_of(*find_global(name, SAVE_ANY, false)));
+    }
 }
 
 void cl_omb_export::read_globals_from_OMB_QorvaneDictionary() {

@@ -78,7 +78,7 @@ Atmosphere::Atmosphere(float turbidity) {
         const float micrometres = (first_wavelength + wavelength_step * i) * 1e-3f;
         rayleigh_[i] = 1.24062e-3f / square(square(micrometres));
         aerosol_[i] = beta * std::pow(micrometres, -1.3f) / aerosol_scale;
-        aerosol_scattering_[i] = 0.92f * aerosol_[i];
+        aerosol_scattering_[i] = 0.97f * aerosol_[i];
         ozone_[i] = ozone_cross_section[i] * 1e-25f * ozone_column / ozone_peak_km;
     }
     tabulate_columns();

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -40,8 +41,8 @@ std::string system_error(int code) { return std::strerror(code); }
 class TemporaryFile {
 public:
     explicit TemporaryFile(const fs::path& target)
-      : path_(target.parent_path() / ("." + target.stem().string() + ".part-" +
-                                      std::to_string(::getpid()) + target.extension().string()))
+      : path_(target.parent_path() / (".picture-" + std::to_string(::getpid()) + "-" +
+                                      std::to_string(counter_++) + target.extension().string()))
       , target_(target) {}
     ~TemporaryFile() {
         std::error_code ignored;
@@ -69,6 +70,7 @@ private:
         ::close(handle);
     }
 
+    static inline std::atomic<unsigned> counter_ = 0;
     fs::path path_, target_;
 };
 

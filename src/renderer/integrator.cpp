@@ -47,7 +47,17 @@ Integrator::Integrator(const Accel& accel, const Scene& scene, const RenderSetti
   , camera_(scene.camera, settings.width, settings.height)
   , filter_(settings.filter_radius)
   , settings_(settings)
-  , fade_distance_(std::max(1500.0f, 40 * accel.bounds().radius())) {}
+  , fade_distance_(std::max(1500.0f, 40 * accel.bounds().radius())) {
+    const SceneBounds& bounds = accel.bounds();
+    const float radius = 1.01f * bounds.radius() + 0.01f;
+    const float elevation = scene.ground ? scene.ground->elevation : bounds.low.z;
+    stepped_back_ =
+        camera_.step_back((bounds.low + bounds.high) * 0.5f, radius, elevation + 0.01f * radius);
+    if (settings.clamp_factor > 0) {
+        const float relative = settings.clamp_factor * light_.white_radiance();
+        settings_.clamp = settings.clamp > 0 ? std::min(settings.clamp, relative) : relative;
+    }
+}
 
 PathResult Integrator::trace_sample(int x, int y, std::uint32_t sample) const {
     Sampler sampler(static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y), sample,
@@ -98,7 +108,7 @@ bool Integrator::step(PathState& state, Sampler& sampler) const {
             r.alpha = 1;
         r.albedo = bsdf.albedo();
         r.normal = hit.shading_normal;
-        r.depth = hit.distance;
+        r.depth = hit.distance - stepped_back_;
     }
     add(state, state.throughput * material.emission, state.depth);
     if (state.depth >= settings_.max_bounces)

@@ -51,7 +51,8 @@ private:
     CameraRays camera_;
     PixelFilter filter_;
     RenderSettings settings_;
-    float fade_distance_; ///< metres over which the ground plane fades into the haze
+    float stepped_back_ = 0; ///< metres by which a parallel camera's rays start behind its eye
+    float fade_distance_;    ///< metres over which the ground plane fades into the haze
 };
 
 } // namespace renderer

@@ -109,15 +109,15 @@ public:
 private:
     static float usable(float x) { return x > 0 ? std::min(x, 1e6f) : 0; } // NaN becomes 0
 
-    /// Half way between a curve a channel, which bleaches highlights but turns hues, and a curve
-    /// on the largest channel, which keeps hues but never reaches white.
+    /// About half way between a curve a channel, which bleaches highlights but turns hues, and a
+    /// curve on the largest channel, which keeps hues but never reaches white.
     Rgb curve(Rgb c) const {
         const float peak = max_component(c);
         if (peak <= 0)
             return {0, 0, 0};
         const Rgb separate{curve_(c.x), curve_(c.y), curve_(c.z)};
         const Rgb together = c * (curve_(peak) / peak);
-        return lerp(together, separate, 0.6f);
+        return lerp(together, separate, 0.45f);
     }
     Rgb finish(Rgb c) const {
         Rgb out{srgb_encode(clamp01(c.x)), srgb_encode(clamp01(c.y)), srgb_encode(clamp01(c.z))};

@@ -23,6 +23,15 @@ bool is_usable(Vec3 p) {
     throw std::invalid_argument("mesh " + std::to_string(mesh) + ": " + what);
 }
 
+void check_material(const Material& m, std::size_t index) {
+    for (const float value :
+         {m.base_color.x, m.base_color.y, m.base_color.z, m.roughness, m.metallic, m.specular,
+          m.transmission, m.ior, m.emission.x, m.emission.y, m.emission.z})
+        if (!std::isfinite(value))
+            throw std::invalid_argument("material " + std::to_string(index) +
+                                        ": a number is not finite");
+}
+
 void check_mesh(const Scene& scene, std::size_t index) {
     const Mesh& mesh = scene.meshes[index];
     if (mesh.material >= scene.materials.size())
@@ -90,6 +99,8 @@ void add_attributes(TriangleSoup& soup, const Scene& scene) {
 TriangleSoup make_triangle_soup(const Scene& scene) {
     constexpr std::size_t most = std::numeric_limits<std::int32_t>::max();
     std::size_t vertices = 0;
+    for (std::size_t i = 0; i < scene.materials.size(); ++i)
+        check_material(scene.materials[i], i);
     for (std::size_t i = 0; i < scene.meshes.size(); ++i) {
         check_mesh(scene, i);
         vertices += scene.meshes[i].positions.size();

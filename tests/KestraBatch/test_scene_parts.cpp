@@ -122,6 +122,25 @@ TEST(SceneCamera, OddViewsGiveAUsableCamera) {
     EXPECT_LE(make_camera(view, true, {}, 1, warnings).vertical_fov_degrees, 170);
 }
 
+TEST(SceneCamera, AParallelEyeStepsBackBehindEverything) {
+    renderer::Camera camera;
+    camera.projection = renderer::Camera::Projection::parallel;
+    camera.eye = {0, 0, 3};
+    camera.target = {0, 4, 0};
+    camera.view_height = 20;
+    const renderer::Vec3 before = normalize(camera.target - camera.eye);
+    step_back(camera, {-5, -50, 0}, {5, 5, 3}, -1.0f);
+    const renderer::Vec3 after = normalize(camera.target - camera.eye);
+    EXPECT_NEAR(dot(before, after), 1, 1e-6f);
+    EXPECT_GT(dot(renderer::Vec3{0, -50, 3} - camera.eye, after), 0);
+    EXPECT_GT(camera.eye.z - 10 * 0.8f, -1) << "the lowest ray begins above the ground";
+
+    camera.projection = renderer::Camera::Projection::perspective;
+    const renderer::Vec3 eye = camera.eye;
+    step_back(camera, {-5, -500, 0}, {5, 5, 3}, -1.0f);
+    EXPECT_EQ(camera.eye.y, eye.y) << "a perspective eye stays where it is";
+}
+
 TEST(SceneLight, SunAndSkyAreOneAtFactorySettings) {
     WarningList warnings;
     SunSky light;

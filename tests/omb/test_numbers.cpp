@@ -3,7 +3,6 @@
 #include "omb/base/text.h"
 
 #include <bit>
-#include <clocale>
 #include <cmath>
 #include <cstdio>
 #include <gtest/gtest.h>

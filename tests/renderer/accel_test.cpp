@@ -199,6 +199,8 @@ TEST(Accel, HostileGeometryIsSkippedAndCounted) {
     EXPECT_THROW(Accel{scene}, std::invalid_argument);
     scene.meshes = {};
     EXPECT_FALSE(Accel(scene).intersect({{0, 0, 0}, {0, 0, 1}}, hit));
+    scene.materials[0].roughness = NAN;
+    EXPECT_THROW(Accel{scene}, std::invalid_argument);
     scene.materials.clear();
     EXPECT_THROW(Accel{scene}, std::invalid_argument);
 }

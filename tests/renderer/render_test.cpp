@@ -283,6 +283,39 @@ TEST(Render, FeatureBuffersTellTheFirstHit) {
     EXPECT_NEAR(film.alpha[box], 1, 1e-5);
 }
 
+TEST(Render, ParallelViewsShowWhatLiesBehindTheEyeAndNoUnderside) {
+    Scene scene = ground_scene(0.5f);
+    scene.materials.push_back(matt(0.9f));
+    demo::add_box(scene, {-1, -30, 0}, {1, -28, 2}, 1);
+    scene.environment.constant = {1, 1, 1};
+    scene.camera.projection = Camera::Projection::parallel;
+    scene.camera.view_height = 40; // the lower half of the picture starts below the ground
+    scene.camera.eye = {0, -5, 2};
+    scene.camera.target = {0, 0, 0};
+    scene.camera.up = {0, 0, 1};
+    RenderSettings settings = small(1, 40, 40);
+    settings.filter_radius = 0;
+    const Film film = render(scene, settings);
+    bool box = false;
+    for (std::size_t i = 0; i < film.radiance.size(); ++i) {
+        box = box || film.albedo[i].x > 0.8f;
+        EXPECT_GT(film.normal[i].z, film.albedo[i].x > 0.8f ? -0.01f : 0.9f) << i;
+    }
+    EXPECT_TRUE(box);
+}
+
+TEST(Render, ClampFactorFollowsTheLightOfTheScene) {
+    Scene scene = demo::make_scene(35, 3);
+    RenderSettings settings = small(4, 32, 24);
+    const double whole = luminance(mean_radiance(render(scene, settings)));
+    settings.clamp_factor = 3;
+    const double clamped = luminance(mean_radiance(render(scene, settings)));
+    scene.environment.sky->intensity = scene.environment.sun->intensity = 1e-3f;
+    const double dim = luminance(mean_radiance(render(scene, settings)));
+    EXPECT_NEAR(clamped / whole, 1, 0.05);
+    EXPECT_NEAR(dim * 1e3 / clamped, 1, 1e-3);
+}
+
 TEST(Render, HiddenEnvironmentLightsButIsNotSeen) {
     Scene scene;
     scene.materials = {matt(0.5f)};

@@ -82,7 +82,7 @@ TEST(Sky, SunAndSkyKeepAPlausibleRatio) {
             const SkyMap map = make_sky_map(sky_at(altitude, turbidity));
             const float sine = std::sin(altitude * pi / 180);
             const float ratio = luminance(map.sun_irradiance) * sine / luminance(irradiance(map));
-            EXPECT_GT(ratio, 0.1f) << altitude << " " << turbidity;
+            EXPECT_GT(ratio, 0.05f) << altitude << " " << turbidity;
             EXPECT_LT(ratio, 15) << altitude << " " << turbidity;
         }
 }

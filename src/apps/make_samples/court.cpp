@@ -50,8 +50,8 @@ void add_slab(Mesh& mesh, const Rect& r, double top) {
     const Point a[] = {{r.x0, r.y0, low}, {r.x1, r.y0, low}, {r.x1, r.y1, low}, {r.x0, r.y1, low}};
     const double rim = top - bevel;
     const Rect in{r.x0 + bevel, r.y0 + bevel, r.x1 - bevel, r.y1 - bevel};
-    const Point c[] = {{in.x0, in.y0, top}, {in.x1, in.y0, top}, {in.x1, in.y1, top},
-                       {in.x0, in.y1, top}};
+    const Point c[] = {
+        {in.x0, in.y0, top}, {in.x1, in.y0, top}, {in.x1, in.y1, top}, {in.x0, in.y1, top}};
     const auto raised = [rim](const Point& p) { return Point{p.x, p.y, rim}; };
     for (int i = 0; i < 4; ++i) {
         const int j = (i + 1) % 4;
@@ -119,18 +119,19 @@ void draw_basin(Drawing& drawing) {
                                   0.002 * noise(x * 4.0, y * 4.4, 3.5);
                        });
     space.mesh(water, {"Water"}, 1);
-    space.mesh(box({kBasin.x0 + 0.2, kBasin.y0 + 0.2, -0.62}, {kBasin.x1 - 0.2, kBasin.y1 - 0.2, -0.55}),
-               {"Stonework", "Limestone 3"});
+    space.mesh(
+        box({kBasin.x0 + 0.2, kBasin.y0 + 0.2, -0.62}, {kBasin.x1 - 0.2, kBasin.y1 - 0.2, -0.55}),
+        {"Stonework", "Limestone 3"});
     // A bowl on a pedestal at the northern end.
     const Point at{(kBasin.x0 + kBasin.x1) / 2, kBasin.y1 - 1.15, 0};
-    const std::vector<Point2> bowl = {
-        {0.22, -0.5}, {0.22, 0.36}, {0.21, 0.38},  {0.13, 0.42},  {0.1, 0.55},   {0.12, 0.64},
-        {0.2, 0.68},  {0.42, 0.78}, {0.52, 0.9},   {0.535, 0.93}, {0.525, 0.945}, {0.49, 0.94},
-        {0.4, 0.86},  {0.2, 0.79},  {0.02, 0.775}};
+    const std::vector<Point2> bowl = {{0.22, -0.5}, {0.22, 0.36},  {0.21, 0.38},   {0.13, 0.42},
+                                      {0.1, 0.55},  {0.12, 0.64},  {0.2, 0.68},    {0.42, 0.78},
+                                      {0.52, 0.9},  {0.535, 0.93}, {0.525, 0.945}, {0.49, 0.94},
+                                      {0.4, 0.86},  {0.2, 0.79},   {0.02, 0.775}};
     space.mesh(turned(bowl, 16).move(at.x, at.y, 0), {"Stonework"}, 1);
-    space.mesh(turned({{0.02, 0.9}, {0.46, 0.902}, {0.46, 0.9}, {0.02, 0.89}}, 32)
-                   .move(at.x, at.y, 0),
-               {"Water"});
+    space.mesh(
+        turned({{0.02, 0.9}, {0.46, 0.902}, {0.46, 0.9}, {0.02, 0.89}}, 32).move(at.x, at.y, 0),
+        {"Water"});
 }
 
 void draw_beds(Drawing& drawing) {
@@ -140,10 +141,11 @@ void draw_beds(Drawing& drawing) {
     space.mesh(sheet(kTreeBed.x0 + 0.1, kTreeBed.x1 - 0.1, 5, kTreeBed.y0 + 0.1, kTreeBed.y1 - 0.1,
                      5, [](double x, double y) { return 0.04 + 0.03 * noise(x * 3, y * 3, 0); }),
                {"Soil"}, 1);
-    space.mesh(rim_mesh({kWestBed.x0 - 0.05, kWestBed.y0, kWestBed.x1, kWestBed.y1}, 0.08, -0.1,
-                        0.05),
-               {"Stonework"});
-    space.mesh(box({kWestBed.x0, kWestBed.y0 + 0.05, -0.1}, {kWestBed.x1 - 0.05, kWestBed.y1 - 0.05, 0.02}),
+    space.mesh(
+        rim_mesh({kWestBed.x0 - 0.05, kWestBed.y0, kWestBed.x1, kWestBed.y1}, 0.08, -0.1, 0.05),
+        {"Stonework"});
+    space.mesh(box({kWestBed.x0, kWestBed.y0 + 0.05, -0.1},
+                   {kWestBed.x1 - 0.05, kWestBed.y1 - 0.05, 0.02}),
                {"Soil"});
     TreeForm form;
     form.name = "Courtyard tree";

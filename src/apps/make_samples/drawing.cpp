@@ -23,12 +23,17 @@ Point mm(const Point& p) { return {mm(p.x), mm(p.y), mm(p.z)}; }
 
 constexpr std::int16_t kMillimetres = 4; // $INSUNITS
 constexpr int kMeshFlag = 16, kMeshVertexFlag = 64, kClosedColumns = 32;
+constexpr int kPolyFaceFlag = 64;
 
 void require(Acad::ErrorStatus status, const std::string& what) {
     if (status != Acad::eOk) {
         throw std::runtime_error(what + ": " + Acad::errorText(status));
     }
 }
+
+/// A figure without the last digits, in which mathematical libraries differ.
+double steady(double value) { return std::round(value * 1e9) / 1e9 + 0.0; }
+Vector steady(const Vector& v) { return {steady(v.x), steady(v.y), steady(v.z)}; }
 
 /// The axes of the object coordinate system of an extrusion direction (arbitrary-axis rule).
 void object_axes(const Vector& normal, Vector& x, Vector& y) {
@@ -67,6 +72,8 @@ struct DrawingImpl {
         if (look.paint == kByBlock) {
             entity.setColor(AcCmEntityColor::byBlock());
             entity.setMaterial(database.byBlockMaterial());
+        } else if (look.paint.starts_with('#')) {
+            entity.setColor(AcCmEntityColor::index(std::stoi(look.paint.substr(1))));
         } else if (!look.paint.empty()) {
             const Paint& own = paint(look.paint);
             entity.setColor(AcCmEntityColor::trueColor(own.rgb));
@@ -118,6 +125,7 @@ void Space::mesh(const Mesh& mesh, const Look& look, int level) {
 
 void Space::polyface(const Mesh& mesh, const Look& look) {
     auto entity = std::make_unique<AcDbPolyFaceMesh>();
+    entity->setFlags(kPolyFaceFlag);
     for (const Point& p : mesh.points) {
         entity->appendVertex(mm(p));
     }
@@ -131,8 +139,7 @@ void Space::polyface(const Mesh& mesh, const Look& look) {
     drawing_->add(index_, std::move(entity), look);
 }
 
-void Space::face(const Point& a, const Point& b, const Point& c, const Point& d,
-                 const Look& look) {
+void Space::face(const Point& a, const Point& b, const Point& c, const Point& d, const Look& look) {
     drawing_->add(index_, std::make_unique<AcDbFace>(mm(a), mm(b), mm(c), mm(d)), look);
 }
 
@@ -190,11 +197,12 @@ void place(AcDbBlockReference& reference, AcDbObjectId block, const Placement& p
     object_axes(placement.normal, x, y);
     const Vector at = mm(placement.at).asVector();
     reference.setBlockTableRecord(block);
-    reference.setNormal(placement.normal);
-    reference.setPosition(
-        {at.dotProduct(x), at.dotProduct(y), at.dotProduct(placement.normal)});
-    reference.setRotation(radians(placement.turn));
-    reference.setScaleFactors(placement.scale);
+    reference.setNormal(steady(placement.normal));
+    reference.setPosition({steady(at.dotProduct(x)), steady(at.dotProduct(y)),
+                           steady(at.dotProduct(placement.normal))});
+    reference.setRotation(steady(radians(placement.turn)));
+    const AcGeScale3d& s = placement.scale;
+    reference.setScaleFactors({steady(s.sx), steady(s.sy), steady(s.sz)});
 }
 
 } // namespace
@@ -209,7 +217,7 @@ void Space::array(const std::string& block, const Placement& placement, int colu
                   double column_spacing, double row_spacing, const Look& look) {
     auto entity = std::make_unique<AcDbMInsertBlock>();
     place(*entity, drawing_->block_id(block), placement);
-    entity->setArray(columns, rows, column_spacing * 1000, row_spacing * 1000);
+    entity->setArray(columns, rows, steady(column_spacing * 1000), steady(row_spacing * 1000));
     drawing_->add(index_, std::move(entity), look);
 }
 
@@ -240,8 +248,7 @@ void Drawing::layer(const std::string& name, const std::string& paint, int aci) 
     const DrawingImpl::Paint& look = impl_->paint(paint);
     auto record = std::make_unique<AcDbLayerTableRecord>();
     record->setName(name);
-    record->setColor(aci > 0 ? AcCmEntityColor::index(aci)
-                             : AcCmEntityColor::trueColor(look.rgb));
+    record->setColor(aci > 0 ? AcCmEntityColor::index(aci) : AcCmEntityColor::trueColor(look.rgb));
     record->setMaterialId(look.material);
     AcDbObjectId id;
     require(impl_->database.layerTable().add(std::move(record), id), name);

@@ -15,7 +15,8 @@ namespace make_samples {
 /// Where an entity gets its looks from.
 struct Look {
     std::string layer = "0";
-    std::string paint = ""; ///< a paint's name, "ByBlock", or empty for the layer's
+    /// A paint's name, "ByBlock", "#8" for an index colour, or empty for the layer's.
+    std::string paint = "";
 };
 inline const char* const kByBlock = "ByBlock";
 

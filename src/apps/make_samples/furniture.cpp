@@ -22,8 +22,8 @@ std::string garden_table_block(Drawing& drawing, double length, double width) {
     Mesh frame;
     for (const double x : {-1.0, 1.0}) {
         for (const double y : {-1.0, 1.0}) {
-            frame.append(block(0.08, 0.08, 0.714)
-                             .move(x * (length / 2 - 0.12), y * (width / 2 - 0.09), 0));
+            frame.append(
+                block(0.08, 0.08, 0.714).move(x * (length / 2 - 0.12), y * (width / 2 - 0.09), 0));
         }
         frame.append(block(0.05, width - 0.26, 0.09).move(x * (length / 2 - 0.12), 0, 0.62));
     }
@@ -102,8 +102,13 @@ std::string dining_group_block(Drawing& drawing) {
     middle.at = {0.25, 0.05, 0.746};
     middle.scale = {0.55, 0.55, 0.55};
     space.insert(vase, middle, {"Lamps", "Ceramic blue"});
-    const Mesh bowl = turned({{0.03, 0}, {0.1, 0.01}, {0.17, 0.07}, {0.175, 0.085}, {0.16, 0.08},
-                              {0.09, 0.022}, {0.01, 0.018}},
+    const Mesh bowl = turned({{0.03, 0},
+                              {0.1, 0.01},
+                              {0.17, 0.07},
+                              {0.175, 0.085},
+                              {0.16, 0.08},
+                              {0.09, 0.022},
+                              {0.01, 0.018}},
                              12);
     space.mesh(Mesh(bowl).move(-0.3, 0, 0.746), {"Lamps", "Ceramic"}, 1);
     for (int i = 0; i < 6; ++i) {
@@ -120,10 +125,9 @@ std::string pot_block(Drawing& drawing, const std::string& plant) {
         return name;
     }
     Space space = drawing.block(name);
-    const std::vector<Point2> profile = {{0.15, 0},      {0.17, 0.01},  {0.2, 0.06},
-                                         {0.28, 0.38},   {0.285, 0.42}, {0.325, 0.425},
-                                         {0.335, 0.44},  {0.335, 0.53}, {0.325, 0.55},
-                                         {0.285, 0.55},  {0.275, 0.54}, {0.27, 0.47}};
+    const std::vector<Point2> profile = {
+        {0.15, 0},     {0.17, 0.01},  {0.2, 0.06},   {0.28, 0.38},  {0.285, 0.42}, {0.325, 0.425},
+        {0.335, 0.44}, {0.335, 0.53}, {0.325, 0.55}, {0.285, 0.55}, {0.275, 0.54}, {0.27, 0.47}};
     space.mesh(turned(profile, 12), {"Planters", kByBlock}, 1);
     space.mesh(turned({{0.02, 0.47}, {0.27, 0.475}, {0.27, 0.46}, {0.02, 0.46}}, 12)
                    .stretch(0.98, 0.98, 1),
@@ -153,9 +157,9 @@ std::string lantern_block(Drawing& drawing) {
         }
     }
     space.mesh(iron, {"Metal"});
-    space.mesh(turned({{0.03, -0.178}, {0.045, -0.15}, {0.045, -0.02}, {0.02, 0.02}}, 10)
-                   .move(0, -0.2, 0),
-               {"Lamps"}, 1);
+    space.mesh(
+        turned({{0.03, -0.178}, {0.045, -0.15}, {0.045, -0.02}, {0.02, 0.02}}, 10).move(0, -0.2, 0),
+        {"Lamps"}, 1);
     return name;
 }
 

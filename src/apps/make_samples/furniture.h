@@ -15,7 +15,7 @@ std::string bench_block(Drawing& drawing);
 std::string dining_group_block(Drawing& drawing);
 /// A clay pot, 0.55 m high; the plant in it is a block's name, or empty.
 std::string pot_block(Drawing& drawing, const std::string& plant);
-std::string lantern_block(Drawing& drawing);  ///< a wall lantern; the wall is at y = 0
+std::string lantern_block(Drawing& drawing); ///< a wall lantern; the wall is at y = 0
 std::string sun_lounger_block(Drawing& drawing);
 
 std::string sofa_block(Drawing& drawing);

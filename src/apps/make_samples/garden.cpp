@@ -44,8 +44,7 @@ void draw_land(Space& space) {
 void draw_low_wall(Space& space, double x0, double x1) {
     const double y0 = -6.92, y1 = -6.6, top = 0.56;
     space.mesh(box({x0, y0, -0.3}, {x1, y1, top - 0.0005}), {"Mauer außen"});
-    space.mesh(box({x0 - 0.03, y0 - 0.04, top}, {x1 + 0.03, y1 + 0.04, top + 0.06}),
-               {"Stonework"});
+    space.mesh(box({x0 - 0.03, y0 - 0.04, top}, {x1 + 0.03, y1 + 0.04, top + 0.06}), {"Stonework"});
 }
 
 /// The gravel path: a broad polyline with arcs and thickness, between edgings of its own kind.
@@ -57,6 +56,17 @@ void draw_path(Space& space) {
     path.thickness = 0.125;
     path.width = 1.7;
     space.polyline(path, {"Path"});
+    // Stepping stones lead to the pavilion's stair.
+    const double turns[] = {4, -9, 13, 2, -6, 10, -3};
+    for (int i = 0; i < 7; ++i) {
+        const double x = 12.4 + 0.15 * (i % 2), y = -5.8 + 1.5 * i;
+        std::vector<Point2> corners;
+        for (int k = 0; k < 4; ++k) {
+            const double a = radians(45 + 90 * k + turns[i]);
+            corners.push_back({x + 0.55 * std::cos(a), y + 0.42 * std::sin(a)});
+        }
+        space.solid(corners, -0.12, 0.11, {"Path", "Limestone 3"});
+    }
 }
 
 void draw_plants(Drawing& drawing) {
@@ -66,7 +76,8 @@ void draw_plants(Drawing& drawing) {
     for (int i = 0; i < 22; ++i) {
         const double x = i < 8 ? -7.4 + i * 0.66 : 3.9 + (i - 8) * 0.5;
         space.insert(lavender_block(drawing),
-                     {{x, -7.35 + random.real(-0.12, 0.12), -0.05}, random.real(0, 360),
+                     {{x, -7.35 + random.real(-0.12, 0.12), -0.05},
+                      random.real(0, 360),
                       random.real(0.9, 1.25)},
                      {});
     }
@@ -82,8 +93,8 @@ void draw_plants(Drawing& drawing) {
     draw_hedge(drawing, {-24, 27}, {28, 27}, 1.2, 2.3, random);
     draw_hedge(drawing, {-24, -24}, {-24, 27}, 1.2, 2.1, random);
     draw_hedge(drawing, {28, -24}, {28, 27}, 1.2, 2.1, random);
-    for (const Point2& at : {Point2{-16.2, 6}, Point2{-16.4, 1.4}, Point2{-16, -3.4},
-                             Point2{14.6, 9.5}}) {
+    for (const Point2& at :
+         {Point2{-16.2, 6}, Point2{-16.4, 1.4}, Point2{-16, -3.4}, Point2{14.6, 9.5}}) {
         space.insert(cypress_block(drawing), {{at.x, at.y, -0.1}, at.y * 40, 1 + 0.02 * at.y}, {});
     }
     TreeForm form;
@@ -131,8 +142,9 @@ void draw_neighbours(Drawing& drawing) {
     for (int i = 0; i < 8; ++i) {
         const double x = -3.9 + (i % 4) * 2.6, z = i < 4 ? 0.9 : 3.3;
         for (const double side : {-1.0, 1.0}) {
-            house.mesh(box({x - 0.5, side * 4.02 - 0.03, z}, {x + 0.5, side * 4.02 + 0.03, z + 1.3}),
-                       {"Neighbours", "Window dark"});
+            house.mesh(
+                box({x - 0.5, side * 4.02 - 0.03, z}, {x + 0.5, side * 4.02 + 0.03, z + 1.3}),
+                {"Neighbours", "Window dark"});
         }
     }
     Space space = drawing.model();

@@ -49,8 +49,10 @@ void draw_main_wing(Drawing& drawing, Random& random) {
         {at(-1.75), 1.7, 0.46, 2.25, door},     {at(1.4), 1.3, 1.35, 1.5, window},
         {at(-10.2), 1.1, 4.98, 1.35, shuttered}};
     const std::vector<Opening> east = {{3.3, 1.1, 4.7, 1.35, shuttered}};
-    const std::vector<Opening> north = {{3, 1.3, 0.9, 1.5, window},  {8, 1.3, 0.9, 1.5, window},
-                                        {13, 1.3, 0.9, 1.5, window}, {3, 1.1, 4.6, 1.35, shuttered},
+    const std::vector<Opening> north = {{3, 1.3, 0.9, 1.5, window},
+                                        {8, 1.3, 0.9, 1.5, window},
+                                        {13, 1.3, 0.9, 1.5, window},
+                                        {3, 1.1, 4.6, 1.35, shuttered},
                                         {8, 1.1, 4.6, 1.35, shuttered}};
     draw_walls(space, {west, 8.4}, {3.5, 15}, 6.75, kWalls, {south, east, north, {}});
     const double pitch = 25, rise = 3.3 * std::tan(radians(pitch));
@@ -60,12 +62,21 @@ void draw_main_wing(Drawing& drawing, Random& random) {
     other.high = 6.75;
     draw_gables(space, gable, other, rise, kWalls);
     draw_gable_roof(drawing, {west, 8.4}, {3.5, 15}, 6.75, pitch, true, random);
+    // Floors and a wall along the middle, so that nobody looks through the house.
+    Mesh inside = box({west + 0.37, 8.77, 0.2}, {3.13, 14.63, 0.44});
+    inside.append(box({west + 0.37, 8.77, 3.7}, {3.13, 14.63, 3.95}));
+    space.mesh(inside, {"Wood", "Oak 4"});
+    space.mesh(box({west + 0.37, 11.6, 0.4405}, {3.13, 11.7, 3.6995}), kWalls);
+    space.mesh(box({west + 0.37, 11.6, 3.9505}, {3.13, 11.7, 6.7}), kWalls);
     Mesh chimney = block(0.75, 0.6, 2.1).move(-8.6, 12.6, 7.1);
     space.mesh(chimney, kWalls);
     Mesh cap = block(0.95, 0.8, 0.1).move(-8.6, 12.6, 9.2);
-    cap.append(block(0.3, 0.3, 0.35).move(-8.75, 12.6, 9.3));
-    cap.append(block(0.26, 0.26, 0.28).move(-8.35, 12.6, 9.3));
     space.mesh(cap, {"Planters"});
+    // Open pots: the sides of upright circles, one within the other.
+    for (const double radius : {0.14, 0.12}) {
+        space.circle({-8.77, 12.6, 9.3}, radius, 0.4, {"Planters"});
+        space.circle({-8.4, 12.6, 9.3}, radius, 0.32, {"Planters"});
+    }
 }
 
 void draw_arcade(Drawing& drawing, Random& random) {
@@ -94,7 +105,7 @@ void draw_arcade(Drawing& drawing, Random& random) {
         rafters.append(bar({x, 5.75, 3.67}, {x, 8.4, 3.67 + 2.65 * std::tan(pitch)}, 0.08, 0.13));
     }
     space.mesh(rafters, {"Wood"});
-    space.mesh(bar({-7.0, 8.38, 4.72}, {3.5, 8.38, 4.72}, 0.06, 0.12), {"Gutters"});
+    space.line({-7.0, 8.385, 4.6}, {3.5, 8.385, 4.6}, 0.2, {"Gutters", "#8"});
     const std::string lantern = lantern_block(drawing);
     for (const double x : {-3.3, -0.2}) {
         space.insert(lantern, {{x, 8.4, 2.6}}, {});
@@ -122,6 +133,7 @@ void draw_west_wing(Drawing& drawing, Random& random) {
     other.high = top;
     draw_gables(space, gable, other, 2.95 * std::tan(radians(pitch)), kWalls);
     draw_gable_roof(drawing, {-13.5, -6.6}, {-7.6, 8.1}, top, pitch, true, random);
+    space.mesh(box({-13.13, -6.23, -0.2}, {-7.97, 8.03, 0.03}), {"Wood", "Oak 4"});
     space.mesh(steps_mesh(1.5, 1, 0.04, 0.4).turn(90).move(-7.2, 1.4, 0), {"Stonework"});
     space.insert(lantern_block(drawing), {{-7.6, 0.35, 2.2}, 90}, {});
 }
@@ -167,8 +179,8 @@ void draw_pergola(Drawing& drawing) {
         frame.append(block(0.15, 0.15, 2.45).move(x, 0.9, 0.0));
         for (const double brace : {-1.0, 1.0}) {
             if (x + brace > 3.5 && x + brace < 10.5) {
-                frame.append(bar({x + brace * 0.06, 0.9, 1.9}, {x + brace * 0.55, 0.9, 2.42}, 0.07,
-                                 0.09));
+                frame.append(
+                    bar({x + brace * 0.06, 0.9, 1.9}, {x + brace * 0.55, 0.9, 2.42}, 0.07, 0.09));
             }
         }
     }

@@ -26,9 +26,9 @@ void add_lights(Space& space, double width, double height, int lights, double ba
         const double x0 = -width / 2 + bar + i * light, x1 = x0 + light;
         const double y0 = kFrameBack + 0.015, y1 = kFrameFront - 0.015;
         frames.append(frame_mesh(x0 + 0.002, x1 - 0.002, bar, height - bar, bar * 0.8, y0, y1));
-        space.mesh(box({x0 + bar * 0.7, 0.130, bar * 1.7},
-                       {x1 - bar * 0.7, 0.138, height - bar * 1.7}),
-                   {"Glass"});
+        space.mesh(
+            box({x0 + bar * 0.7, 0.130, bar * 1.7}, {x1 - bar * 0.7, 0.138, height - bar * 1.7}),
+            {"Glass"});
     }
     space.mesh(frames, {"Window frames"});
 }
@@ -48,8 +48,7 @@ void add_shutters(Space& space, double width, double height) {
 
 } // namespace
 
-std::string window_block(Drawing& drawing, double width, double height, int lights,
-                         bool shutters) {
+std::string window_block(Drawing& drawing, double width, double height, int lights, bool shutters) {
     const std::string name =
         fmt::format("Window {:.0f}x{:.0f}{}", width * 100, height * 100, shutters ? " S" : "");
     if (drawing.has_block(name)) {
@@ -117,12 +116,12 @@ std::string column_block(Drawing& drawing, double height, double radius) {
     const double foot = plinth, head = height - abacus;
     // Points in pairs keep a line firm where the smooth surface turns sharply.
     const std::vector<Point2> profile = {
-        {r * 1.25, foot},          {r * 1.30, foot + 0.01},   {r * 1.32, foot + 0.045},
-        {r * 1.22, foot + 0.08},   {r * 1.06, foot + 0.085},  {r * 1.02, foot + 0.13},
-        {r * 1.0, foot + 0.16},    {r * 1.0, foot + 0.7},     {r * 0.93, (foot + head) / 2 + 0.3},
-        {r * 0.84, head - 0.26},   {r * 0.84, head - 0.225},  {r * 0.95, head - 0.215},
-        {r * 0.95, head - 0.185},  {r * 0.86, head - 0.175},  {r * 0.88, head - 0.12},
-        {r * 1.02, head - 0.06},   {r * 1.20, head - 0.02},   {r * 1.24, head - 0.004},
+        {r * 1.25, foot},         {r * 1.30, foot + 0.01},  {r * 1.32, foot + 0.045},
+        {r * 1.22, foot + 0.08},  {r * 1.06, foot + 0.085}, {r * 1.02, foot + 0.13},
+        {r * 1.0, foot + 0.16},   {r * 1.0, foot + 0.7},    {r * 0.93, (foot + head) / 2 + 0.3},
+        {r * 0.84, head - 0.26},  {r * 0.84, head - 0.225}, {r * 0.95, head - 0.215},
+        {r * 0.95, head - 0.185}, {r * 0.86, head - 0.175}, {r * 0.88, head - 0.12},
+        {r * 1.02, head - 0.06},  {r * 1.20, head - 0.02},  {r * 1.24, head - 0.004},
         {r * 1.24, head}};
     space.mesh(turned(profile, 12), {"0"}, 1);
     return name;

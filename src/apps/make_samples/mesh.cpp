@@ -173,8 +173,8 @@ Mesh turned(const std::vector<Point2>& profile, int sides) {
     for (int k = 0; k < sides; ++k) {
         const int next = (k + 1) % sides;
         for (int i = 0; i + 1 < rings; ++i) {
-            mesh.face({i * sides + k, i * sides + next, (i + 1) * sides + next,
-                       (i + 1) * sides + k});
+            mesh.face(
+                {i * sides + k, i * sides + next, (i + 1) * sides + next, (i + 1) * sides + k});
         }
         top.push_back((rings - 1) * sides + k);
         bottom.insert(bottom.begin(), k);
@@ -192,8 +192,7 @@ Mesh tube(const std::vector<Point>& path, const std::vector<double>& radii, int 
     Mesh mesh;
     const int rings = static_cast<int>(path.size());
     for (int i = 0; i < rings; ++i) {
-        const Vector along =
-            (path[std::min(i + 1, rings - 1)] - path[std::max(i - 1, 0)]).normal();
+        const Vector along = (path[std::min(i + 1, rings - 1)] - path[std::max(i - 1, 0)]).normal();
         const Vector helper = std::abs(along.z) < 0.9 ? Vector{0, 0, 1} : Vector{0, 1, 0};
         const Vector u = helper.crossProduct(along).normal();
         const Vector v = along.crossProduct(u);
@@ -206,8 +205,8 @@ Mesh tube(const std::vector<Point>& path, const std::vector<double>& radii, int 
     for (int k = 0; k < sides; ++k) {
         const int next = (k + 1) % sides;
         for (int i = 0; i + 1 < rings; ++i) {
-            mesh.face({i * sides + k, i * sides + next, (i + 1) * sides + next,
-                       (i + 1) * sides + k});
+            mesh.face(
+                {i * sides + k, i * sides + next, (i + 1) * sides + next, (i + 1) * sides + k});
         }
         top.push_back((rings - 1) * sides + k);
         bottom.insert(bottom.begin(), k);

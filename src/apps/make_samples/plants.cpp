@@ -40,9 +40,9 @@ void add_crown(Space& space, const std::vector<std::string>& kinds, const Crown&
         const double depth = 1 - 0.55 * std::pow(random.real(0, 1), 1.6);
         const double lump = 1 + 0.16 * noise(d.x * 2.2 + form.seed, d.y * 2.2, d.z * 2.2);
         Placement placement;
-        placement.at = crown.center + Vector{d.x * crown.radius, d.y * crown.radius,
-                                             d.z * crown.height} *
-                                          (depth * lump);
+        placement.at =
+            crown.center +
+            Vector{d.x * crown.radius, d.y * crown.radius, d.z * crown.height} * (depth * lump);
         placement.turn = random.real(0, 360);
         const double size = random.real(0.85, 1.3);
         placement.scale = {random.chance(0.5) ? size : -size, size, size * random.real(0.8, 1.1)};
@@ -102,7 +102,9 @@ std::string tree_block(Drawing& drawing, const TreeForm& form) {
         Crown lump{tip, form.crown_radius * 0.55, form.crown_height * 0.3, form.clusters / 10};
         add_crown(space, kinds, lump, form, random);
     }
-    const Crown crown{{0, 0, middle}, form.crown_radius, form.crown_height * 0.5,
+    const Crown crown{{0, 0, middle},
+                      form.crown_radius,
+                      form.crown_height * 0.5,
                       form.clusters - kLimbs * (form.clusters / 10)};
     add_crown(space, kinds, crown, form, random);
     return form.name;
@@ -124,12 +126,12 @@ std::string far_tree_block(Drawing& drawing, int variant) {
         const double size = i == 0 ? 1.5 : random.real(0.85, 1.15);
         const Point center{reach * std::cos(a), reach * std::sin(a),
                            i == 0 ? 4.4 : random.real(2.7, 4.6)};
-        Mesh mesh = blob(size * 0.75, 2, 0.2, random);
+        Mesh mesh = blob(size * 0.62, 2, 0.2, random);
         mesh.stretch(1, 1, 0.85).move(center.x, center.y, center.z);
         space.mesh(mesh, {"Foliage dark", "Leaf 3"});
-        for (int k = 0; k < (i == 0 ? 16 : 8); ++k) {
+        for (int k = 0; k < (i == 0 ? 14 : 6); ++k) {
             const Vector out = any_direction(random);
-            const Point at = center + Vector{out.x, out.y, out.z * 0.85} * (size * 0.85);
+            const Point at = center + Vector{out.x, out.y, out.z * 0.85} * (size * 0.78);
             const double scale = random.real(1.4, 1.9);
             space.insert(leaves, {at, random.real(0, 360), scale},
                          {"Foliage light", out.z > 0 ? kByBlock : "Leaf"});
@@ -146,9 +148,9 @@ std::string cypress_block(Drawing& drawing) {
     Random random(41);
     Space space = drawing.block(name);
     space.mesh(tube({{0, 0, -0.2}, {0, 0, 1.0}}, {0.12, 0.1}, 6), {"Trunks"});
-    Mesh body = turned({{0.12, 0.35}, {0.5, 0.9}, {0.66, 2.0}, {0.6, 3.6}, {0.44, 5.2},
-                        {0.2, 6.5}, {0.03, 7.0}},
-                       10);
+    Mesh body = turned(
+        {{0.12, 0.35}, {0.5, 0.9}, {0.66, 2.0}, {0.6, 3.6}, {0.44, 5.2}, {0.2, 6.5}, {0.03, 7.0}},
+        10);
     body.bend([&](const Point& p) {
         const double k = 1 + random.real(-0.13, 0.13);
         return Point{p.x * k, p.y * k, p.z + random.real(-0.08, 0.08)};
@@ -244,20 +246,18 @@ std::string grass_block(Drawing& drawing, int variant) {
     return name;
 }
 
-void draw_hedge(Drawing& drawing, const Point2& from, const Point2& to, double width,
-                double height, Random& random) {
+void draw_hedge(Drawing& drawing, const Point2& from, const Point2& to, double width, double height,
+                Random& random) {
     const double length = from.distanceTo(to);
     const int cells = std::max(2, static_cast<int>(length / 0.55));
     std::vector<double> xs;
     for (int i = 0; i <= cells; ++i) {
         xs.push_back(length * i / cells);
     }
-    Mesh mesh = lattice(xs, {-width / 2, 0, width / 2},
-                        {0, height * 0.5, height});
+    Mesh mesh = lattice(xs, {-width / 2, 0, width / 2}, {0, height * 0.5, height});
     mesh.bend([&](const Point& p) {
         const double k = p.z > 0 ? 0.06 : 0;
-        return Point{p.x + random.real(-k, k), p.y + random.real(-k, k),
-                     p.z + random.real(-k, k)};
+        return Point{p.x + random.real(-k, k), p.y + random.real(-k, k), p.z + random.real(-k, k)};
     });
     mesh.turn(std::atan2(to.y - from.y, to.x - from.x) / radians(1)).move(from.x, from.y, 0);
     drawing.model().mesh(mesh, {"Hedge"});

@@ -31,8 +31,8 @@ std::string lavender_block(Drawing& drawing);
 /// A tuft of grass blades, 0.25 m high.
 std::string grass_block(Drawing& drawing, int variant);
 /// A clipped hedge between two points.
-void draw_hedge(Drawing& drawing, const Point2& from, const Point2& to, double width,
-                double height, Random& random);
+void draw_hedge(Drawing& drawing, const Point2& from, const Point2& to, double width, double height,
+                Random& random);
 /// A house plant with long arching leaves, 1.2 m high, without its pot.
 std::string house_plant_block(Drawing& drawing);
 

@@ -118,7 +118,7 @@ void draw_rug(Drawing& drawing) {
 
 /// A row of books between two x on a shelf's top.
 void add_books(Space& space, double x0, double x1, double depth_at, double level, Random& random) {
-    const char* paints[] = {"",        "Ink",    "Rust cloth", "Blue cloth",
+    const char* paints[] = {"",        "Ink",    "Rust cloth",  "Blue cloth",
                             "Linen 2", "Walnut", "Ochre cloth", "Shutter"};
     double x = x0;
     while (x < x1 - 0.045) {
@@ -128,8 +128,9 @@ void add_books(Space& space, double x0, double x1, double depth_at, double level
             x += random.real(0.03, 0.12);
             continue;
         }
-        space.mesh(box({x, depth_at, level + 0.0005}, {x + thick, depth_at + depth, level + height}),
-                   {"Books", paints[random.below(8)]});
+        space.mesh(
+            box({x, depth_at, level + 0.0005}, {x + thick, depth_at + depth, level + height}),
+            {"Books", paints[random.below(8)]});
         x += thick + 0.0012;
     }
 }
@@ -176,8 +177,9 @@ void draw_picture(Space& space, const Point2& center, double width, double heigh
     frame.append(box({x0 + bar, y - 0.03, z0}, {x0 + width - bar, y, z0 + bar}));
     frame.append(box({x0 + bar, y - 0.03, z0 + height - bar}, {x0 + width - bar, y, z0 + height}));
     space.mesh(frame, {"Bilder und Rahmen"});
-    space.mesh(box({x0 + bar, y - 0.012, z0 + bar}, {x0 + width - bar, y - 0.001, z0 + height - bar}),
-               {"Bilder und Rahmen", "Paper"});
+    space.mesh(
+        box({x0 + bar, y - 0.012, z0 + bar}, {x0 + width - bar, y - 0.001, z0 + height - bar}),
+        {"Bilder und Rahmen", "Paper"});
     const double inner = height * 0.62, step = inner / static_cast<double>(fields.size());
     double z = center.y - inner / 2;
     for (std::size_t i = 0; i < fields.size(); ++i) {
@@ -213,11 +215,12 @@ void draw_furnishing(Drawing& drawing) {
     // A side table with a vase beside the eastern armchair.
     Mesh table = turned({{0.2, 0.5}, {0.235, 0.502}, {0.24, 0.515}, {0.2, 0.52}}, 20);
     space.mesh(Mesh(table).move(1.05, 2.95, 0), {"Furniture", "Walnut"}, 1);
-    space.mesh(turned({{0.15, 0}, {0.16, 0.004}, {0.15, 0.015}, {0.02, 0.02}, {0.018, 0.04},
-                       {0.018, 0.505}},
-                      12)
-                   .move(1.05, 2.95, 0.0005),
-               {"Metal"}, 1);
+    space.mesh(
+        turned(
+            {{0.15, 0}, {0.16, 0.004}, {0.15, 0.015}, {0.02, 0.02}, {0.018, 0.04}, {0.018, 0.505}},
+            12)
+            .move(1.05, 2.95, 0.0005),
+        {"Metal"}, 1);
     space.insert(vase_block(drawing), {{1.05, 2.95, 0.52}, 75, 0.62}, {"Lamps", "Ceramic"});
     draw_picture(space, {2.2, 1.85}, 0.62, 0.82, {"Blue cloth", "Olive leaf", "Ochre cloth"});
     draw_picture(space, {3.1, 1.85}, 0.82, 0.82, {"Ink", "Rust cloth", "Linen 2", "Ochre plaster"});
@@ -249,7 +252,9 @@ void draw_outside(Drawing& drawing) {
     const std::string rose = shrub_block(drawing, 0, "Rose");
     for (int i = 0; i < 9; ++i) {
         const bool rosy = i % 3 == 0;
-        space.insert(rosy ? rose : i % 3 == 1 ? lavender_block(drawing) : shrub_block(drawing, 2, ""),
+        space.insert(rosy         ? rose
+                     : i % 3 == 1 ? lavender_block(drawing)
+                                  : shrub_block(drawing, 2, ""),
                      {{-4.0 - 0.25 * (i % 2), -1.2 + i * 0.95, -0.12}, i * 70.0, 1 + 0.1 * (i % 3)},
                      {});
     }

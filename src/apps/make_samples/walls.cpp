@@ -88,8 +88,7 @@ void draw_wall(Space& space, const Wall& wall, const Look& look) {
             continue;
         }
         Placement placement;
-        placement.at =
-            Point{wall.from.x, wall.from.y, wall.low + o.sill} + along * o.center;
+        placement.at = Point{wall.from.x, wall.from.y, wall.low + o.sill} + along * o.center;
         placement.turn = degrees_of(wall);
         space.insert(o.block, placement, {});
     }
@@ -122,8 +121,7 @@ Mesh arcade_mesh(int bays, double span, double pier, double spring, double top, 
                   {b.x, thickness, b.y});
         mesh.quad({a.x, 0, top}, {b.x, 0, top}, {b.x, thickness, top}, {a.x, thickness, top});
         if (sloped || a.y == b.y) {
-            mesh.quad({a.x, 0, a.y}, {a.x, thickness, a.y}, {b.x, thickness, b.y},
-                      {b.x, 0, b.y});
+            mesh.quad({a.x, 0, a.y}, {a.x, thickness, a.y}, {b.x, thickness, b.y}, {b.x, 0, b.y});
         }
     };
     for (int bay = 0; bay <= bays; ++bay) {

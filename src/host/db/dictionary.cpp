@@ -120,7 +120,7 @@ void AcDbXrecord::dxfIn(const dxf::ObjectTags& tags) {
 }
 
 void AcDbXrecord::dxfOut(dxf::TagWriter& writer) const {
-    writer.subclass("AcDbXrecord");
+    writer.raw(100, "AcDbXrecord"); // in every version: it tells where the data begins
     writer.integer(280, 1);
     for (const AcDbValue& value : values_) {
         writer.value(value);

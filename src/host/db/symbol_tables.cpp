@@ -128,6 +128,17 @@ void AcDbLayerTableRecord::dxfOut(dxf::TagWriter& writer) const {
     }
 }
 
+void AcDbBlockTableRecord::dxfOut(dxf::TagWriter& writer) const {
+    AcDbSymbolTableRecord::dxfOut(writer);
+    writer.subclass("AcDbBlockTableRecord");
+    writer.text(2, name_);
+    if (writer.version() >= 1021) {
+        writer.integer(70, 0);  // units: those of the drawing
+        writer.integer(280, 1); // may be taken apart
+        writer.integer(281, 0); // may be scaled unevenly
+    }
+}
+
 bool AcDbBlockTableRecord::isLayout() const {
     const std::string folded = dxf::fold_name(name_);
     return folded.starts_with("*model_space") || folded.starts_with("*paper_space") ||

@@ -83,6 +83,7 @@ public:
     const std::vector<AcDbObjectId>& entities() const { return entities_; } ///< in file order
     /// Adds an entity; the database takes it over.
     Acad::ErrorStatus appendAcDbEntity(std::unique_ptr<AcDbEntity> entity, AcDbObjectId& id);
+    void dxfOut(dxf::TagWriter& writer) const override; ///< the record; its BLOCK is apart
 
 private:
     friend class AcDbDatabase;

@@ -112,11 +112,13 @@ DrawingFacts collect_facts(AcDbDatabase& db) {
     facts.file_version = DxfAccess::impl(db).document->version_text;
     const int version = DxfAccess::impl(db).document->version;
     facts.acadver = version <= 1009 ? "AC1009" : db.versionCode();
-    constexpr int kMeters = 6; // what a drawing without any header is taken for
-    facts.insunits = DxfAccess::impl(db).document->section("HEADER") != nullptr ||
-                             !db.headerVar("$INSUNITS").empty()
-                         ? db.insunits()
-                         : kMeters;
+    // A sound drawing without any header is taken for one in metres, as other programs do; of a
+    // damaged one nothing is known.
+    constexpr int kMeters = 6;
+    const bool sound = db.loadReport().repaired.empty() && db.loadReport().lost.empty();
+    const bool told = DxfAccess::impl(db).document->section("HEADER") != nullptr ||
+                      !db.headerVar("$INSUNITS").empty();
+    facts.insunits = told || !sound ? db.insunits() : kMeters;
     collect_layers(db, facts);
     complete_layers(facts);
     collect_blocks(db, facts);

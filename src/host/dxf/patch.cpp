@@ -393,7 +393,10 @@ void write_new_object(std::string& out, const WriteStyle& style, const AcDbObjec
         writer.id(360, dictionary);
         writer.raw(102, "}");
     }
-    if (writer.has_subclasses()) {
+    // What lies in the objects section has its owner in every version.
+    const bool graphic =
+        AcDbEntity::cast(&object) != nullptr || AcDbSymbolTableRecord::cast(&object) != nullptr;
+    if (writer.has_subclasses() || !graphic) {
         writer.id(330, object.ownerId());
     }
     std::string own;

@@ -10,6 +10,7 @@
 #include "host/dxf/tag_reader.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace dxf {
 namespace {
@@ -98,6 +99,7 @@ private:
     AcDbBlockTableRecord* block_ = nullptr;
     AcDbHeavyPolyline* polyline_ = nullptr;   ///< vertices are added to it
     AcDbBlockReference* reference_ = nullptr; ///< attributes are added to it
+    std::unordered_set<std::string> section_names_;
     std::uint64_t next_report_ = kMonitorStep;
 };
 
@@ -234,7 +236,7 @@ void Reader::begin_section(const ObjectTags& tags) {
     outside_told_ = false;
     const Tag* name_tag = tags.find(2);
     const std::string name(name_tag != nullptr ? name_tag->trimmed() : std::string_view());
-    if (document_.section(name) != nullptr) {
+    if (!section_names_.insert(name).second) {
         context_.repaired("dxf-section-twice", "section " + name + " stands here again",
                           tags_.front().begin);
     }

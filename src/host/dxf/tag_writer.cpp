@@ -117,7 +117,7 @@ void TagWriter::integer(int group_code, std::int64_t value) {
         return;
     case ValueType::kBool:
         code(group_code);
-        out_.push_back(value != 0 ? '\1' : '\0');
+        out_.push_back(static_cast<char>(value)); // some files hold more than 0 and 1 here
         return;
     default:
         raw(group_code, std::to_string(value));

@@ -44,6 +44,7 @@ private:
     void find_objects();
     void remove(const AcDbObject& object);
     void change(const AcDbObject& object);
+    void change_block(const AcDbBlockTableRecord& block);
     void add(const AcDbObject& object);
     void add_record(const AcDbSymbolTableRecord& record);
     void add_block(const AcDbBlockTableRecord& block);
@@ -88,7 +89,10 @@ void Writer::need(AcDbObjectId id) {
 
 void Writer::need_references(const AcDbObject& object) {
     if (const auto* entity = AcDbEntity::cast(&object); entity != nullptr) {
-        need(entity->layerId());
+        // A layer that the file names without having it stays so, unless something new names it.
+        if (is_new(object)) {
+            need(entity->layerId());
+        }
         need(entity->materialId());
     } else if (const auto* dictionary = AcDbDictionary::cast(&object); dictionary != nullptr) {
         for (const AcDbDictionary::Entry& entry : dictionary->entries()) {
@@ -154,6 +158,31 @@ void Writer::change(const AcDbObject& object) {
     }
     if (const auto* reference = AcDbBlockReference::cast(&object); reference != nullptr) {
         add_attributes(*reference);
+    } else if (const auto* block = AcDbBlockTableRecord::cast(&object); block != nullptr) {
+        change_block(*block);
+    }
+}
+
+/// The base point stands in the BLOCK, apart from the record.
+void Writer::change_block(const AcDbBlockTableRecord& block) {
+    const auto spans = document_.blocks.find(block.objectId().stub());
+    if (spans == document_.blocks.end()) {
+        return;
+    }
+    const AcGePoint3d origin = block.origin();
+    const std::string_view head = document_.bytes(spans->second.head);
+    TagReader reader(head, document_.form().form, document_.form().line_end);
+    Tag tag;
+    while (reader.next(tag)) {
+        const bool coordinate = tag.code == 10 || tag.code == 20 || tag.code == 30;
+        const double wanted = tag.code == 10 ? origin.x : tag.code == 20 ? origin.y : origin.z;
+        double told = 0;
+        if (coordinate && (parse_real(tag, told), told != wanted)) {
+            std::string text;
+            TagWriter(text, style_).real(tag.code, wanted);
+            edits_.push_back(
+                {{document_.offset(tag.begin), document_.offset(reader.position())}, text});
+        }
     }
 }
 
@@ -298,7 +327,7 @@ void Writer::put_tables() {
         writer.raw(0, "TABLE");
         writer.raw(2, name);
         if (writer.has_subclasses()) {
-            writer.handle(5, new_handle_());
+            writer.id(5, DxfAccess::table(const_cast<AcDbDatabase&>(db_), name).objectId());
             writer.handle(330, 0);
             writer.subclass("AcDbSymbolTable");
         }

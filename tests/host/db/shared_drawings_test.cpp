@@ -83,8 +83,7 @@ TEST_P(SharedDrawing, KeepsItsTagsThroughTheOtherForms) {
     EXPECT_TRUE(plain_tags(ascii) == wanted);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, SharedDrawing, testing::ValuesIn(drawing_files()),
-                         file_name);
+INSTANTIATE_TEST_SUITE_P(All, SharedDrawing, testing::ValuesIn(drawing_files()), file_name);
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(SharedDrawing);
 
 TEST(SharedDrawings, AreThere) {

@@ -51,6 +51,18 @@ inline std::unique_ptr<AcDbDatabase> load(const std::string& bytes) {
     return db;
 }
 
+/// The findings as text; empty for a sound drawing.
+inline std::string findings(const AcDbDatabase& db) {
+    std::string text;
+    for (const auto* list : {&db.loadReport().repaired, &db.loadReport().lost}) {
+        for (const AcDbLoadFinding& finding : *list) {
+            text += finding.code + " line " + std::to_string(finding.line) + ": " +
+                    finding.message + "\n";
+        }
+    }
+    return text;
+}
+
 inline std::string save(const AcDbDatabase& db, AcDbDxfForm form = AcDbDxfForm::kAsInput) {
     return dxf::write_to_memory(db, form);
 }
@@ -100,8 +112,7 @@ inline std::string with_entities(const std::string& tags, const std::string& ver
 /// The only object of class T in model space.
 template <class T>
 T* first_entity(AcDbDatabase& db) {
-    const auto* space =
-        AcDbBlockTableRecord::cast(db.modelSpaceId().stub()->object);
+    const auto* space = AcDbBlockTableRecord::cast(db.modelSpaceId().stub()->object);
     for (const AcDbObjectId id : space->entities()) {
         if (T* found = T::cast(id.stub()->object); found != nullptr) {
             return found;
