@@ -15,6 +15,22 @@ enum Code {
     kTrueColor = 420
 };
 
+/// The index whose display colour is nearest, for files that have no true colours.
+int nearest_index(const AcCmEntityColor& color) {
+    int best = 7, best_distance = 1 << 30;
+    for (int index = 1; index <= 255; ++index) {
+        const AcCmEntityColor other = AcCmEntityColor::trueColor(AcCmEntityColor::lookUpRGB(index));
+        const int red = color.red() - other.red(), green = color.green() - other.green(),
+                  blue = color.blue() - other.blue();
+        const int distance = red * red + green * green + blue * blue;
+        if (distance < best_distance) {
+            best = index;
+            best_distance = distance;
+        }
+    }
+    return best;
+}
+
 } // namespace
 
 void AcDbEntity::dxfIn(const dxf::ObjectTags& tags) {
@@ -68,11 +84,10 @@ void AcDbEntity::dxfOut(dxf::TagWriter& writer) const {
     if (const AcDbObjectPointer<AcDbSymbolTableRecord> type(line_type_); type) {
         writer.text(kLineType, type->getName());
     }
-    // A true colour is told to programs that know it; the nearest index is theirs to find.
     if (color_.isByColor() && writer.version() >= 1018) {
         writer.integer(kTrueColor, color_.word() & 0xffffff);
-    } else if (!color_.isByLayer() && !color_.isByColor()) {
-        writer.integer(kColor, color_.colorIndex());
+    } else if (!color_.isByLayer()) {
+        writer.integer(kColor, color_.isByColor() ? nearest_index(color_) : color_.colorIndex());
     }
     if (visibility() == AcDb::kInvisible) {
         writer.integer(kHidden, 1);

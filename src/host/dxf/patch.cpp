@@ -100,7 +100,9 @@ public:
 
 private:
     std::string written(const AcDbObject& object) const;
-    std::unique_ptr<AcDbObject> read_again() const;
+    std::unique_ptr<AcDbObject> read_again(const Pieces& source) const;
+    bool says(const std::string& patched, const std::string& wanted) const;
+    void add(std::size_t anchor, const Piece& piece, std::size_t section);
     bool compare(const Pieces& before, const Pieces& after);
     void section(std::size_t index, const std::vector<const Piece*>& before,
                  const std::vector<const Piece*>& after);
@@ -131,10 +133,11 @@ std::string Patcher::written(const AcDbObject& object) const {
     return out;
 }
 
-std::unique_ptr<AcDbObject> Patcher::read_again() const {
+/// The object that these bytes are.
+std::unique_ptr<AcDbObject> Patcher::read_again(const Pieces& source) const {
     std::vector<Tag> tags;
     std::vector<std::size_t> starts;
-    for (const Piece& piece : source_.list) {
+    for (const Piece& piece : source.list) {
         if (piece.tag.code == 0) {
             starts.push_back(tags.size());
         }
@@ -190,6 +193,23 @@ void Patcher::replace(std::size_t at, const Piece& piece) {
                                                                : std::string(bytes_of(piece));
 }
 
+/// Puts a new tag in. Some properties stand once at most, and the file may have one that the class
+/// passed over (the index beside a true colour): that one is replaced.
+void Patcher::add(std::size_t anchor, const Piece& piece, std::size_t section) {
+    static constexpr int kSingle[] = {6, 60, 62, 67, 347, 420};
+    const int code = piece.tag.code;
+    if (std::find(std::begin(kSingle), std::end(kSingle), code) != std::end(kSingle)) {
+        for (std::size_t i = 0; i < source_.list.size(); ++i) {
+            if (source_.list[i].section == section && source_.list[i].tag.code == code) {
+                changes_[i].removed = false;
+                replace(i, piece);
+                return;
+            }
+        }
+    }
+    changes_[anchor].behind += bytes_of(piece);
+}
+
 void Patcher::section(std::size_t index, const std::vector<const Piece*>& before,
                       const std::vector<const Piece*>& after) {
     const std::vector<std::size_t> places = locate(before, index);
@@ -216,7 +236,7 @@ void Patcher::section(std::size_t index, const std::vector<const Piece*>& before
             if (places[i] != kNowhere) {
                 replace(places[i], *after[i]);
             } else {
-                changes_[anchor].behind += bytes_of(*after[i]);
+                add(anchor, *after[i], index);
             }
         }
         return;
@@ -236,7 +256,7 @@ void Patcher::section(std::size_t index, const std::vector<const Piece*>& before
         }
     }
     for (std::size_t i = head; i + tail < after.size(); ++i) {
-        changes_[anchor].behind += bytes_of(*after[i]);
+        add(anchor, *after[i], index);
     }
 }
 
@@ -352,10 +372,25 @@ std::string Patcher::assemble() const {
     return out;
 }
 
+/// Whether the patched bytes, read again, have the members that were wanted.
+bool Patcher::says(const std::string& patched, const std::string& wanted) const {
+    const Pieces pieces = divide(patched, document_);
+    const std::unique_ptr<AcDbObject> copy = read_again(pieces);
+    const std::string text = written(*copy);
+    const Pieces got = divide(text, document_), want = divide(wanted, document_);
+    return std::equal(got.list.begin(), got.list.end(), want.list.begin(), want.list.end(),
+                      [&](const Piece& a, const Piece& b) {
+                          return a.tag.code == b.tag.code && same_value(a.tag, b.tag, document_);
+                      });
+}
+
 std::string Patcher::run() {
-    if (const std::unique_ptr<AcDbObject> copy = read_again(); copy != nullptr) {
+    if (const std::unique_ptr<AcDbObject> copy = read_again(source_); copy != nullptr) {
         const std::string before = written(*copy), after = written(object_);
-        if (before != after && !compare(divide(before, document_), divide(after, document_))) {
+        const bool good =
+            before == after || (compare(divide(before, document_), divide(after, document_)) &&
+                                says(assemble(), after));
+        if (!good) { // parts were added, or values stand where only defaults were expected
             std::string out;
             write_new_object(out, document_.style(), object_, new_handle_);
             return out;

@@ -92,6 +92,9 @@ void Writer::need_references(const AcDbObject& object) {
         // A layer that the file names without having it stays so, unless something new names it.
         if (is_new(object)) {
             need(entity->layerId());
+            if (style_.version > 1009) {
+                need(entity->ownerId()); // a space that the file has no record of
+            }
         }
         need(entity->materialId());
     } else if (const auto* dictionary = AcDbDictionary::cast(&object); dictionary != nullptr) {
@@ -205,11 +208,16 @@ void Writer::add_record(const AcDbSymbolTableRecord& record) {
 }
 
 void Writer::add_block(const AcDbBlockTableRecord& block) {
+    const bool space =
+        block.objectId() == db_.modelSpaceId() || block.objectId() == impl_.paper_space;
     if (style_.version > 1009) {
         add_record(block);
+    } else if (space) {
+        return; // old files have no blocks of the spaces
     }
     if (document_.blocks.contains(block.objectId().stub())) {
-        return; // its BLOCK is in the file, only the record was missing
+        change_block(block); // its BLOCK is in the file, only the record was missing
+        return;
     }
     std::string& text = section_text_["BLOCKS"];
     TagWriter writer(text, style_);
@@ -223,7 +231,7 @@ void Writer::add_block(const AcDbBlockTableRecord& block) {
     writer.text(3, block.getName());
     writer.raw(1, "");
     for (const AcDbObjectId id : block.entities()) {
-        if (id.isValid() && !id.isErased() && is_new(*id.stub()->object)) {
+        if (!space && id.isValid() && !id.isErased() && is_new(*id.stub()->object)) {
             write_new_object(text, style_, *id.stub()->object, new_handle_);
             if (const auto* reference = AcDbBlockReference::cast(id.stub()->object)) {
                 bool any = false;

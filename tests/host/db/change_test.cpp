@@ -99,6 +99,34 @@ TEST(Change, ColourAndLayerOfAnEntity) {
     EXPECT_TRUE(again->loadReport().repaired.empty());
 }
 
+TEST(Change, AnIndexTakesThePlaceOfATrueColourAndItsIndex) {
+    const auto db = load(
+        with_entities("0\nPOINT\n5\nA\n100\nAcDbEntity\n8\n0\n62\n5\n420\n255\n100\nAcDbPoint\n"
+                      "10\n1.0\n20\n2.0\n30\n3.0\n",
+                      "AC1018"));
+    open_first<AcDbPoint>(*db).setColor(AcCmEntityColor::index(2));
+    const std::string written = save(*db);
+    EXPECT_THAT(written, HasSubstr("62\n2\n100\n")) << written;
+    EXPECT_EQ(first_entity<AcDbPoint>(*load(written))->colorIndex(), 2);
+    const auto old = load(with_entities("0\nPOINT\n8\n0\n", "AC1009"));
+    open_first<AcDbPoint>(*old).setColor(AcCmEntityColor::trueColor(0xfe0101));
+    EXPECT_EQ(first_entity<AcDbPoint>(*load(save(*old)))->colorIndex(), 1)
+        << "the nearest index, where there are no true colours";
+}
+
+TEST(Change, ValuesThatTheFileGaveAlthoughTheyAreDefaults) {
+    const auto db = load(with_entities(
+        "0\nLWPOLYLINE\n5\nA\n100\nAcDbEntity\n8\n0\n100\nAcDbPolyline\n90\n2\n"
+        "70\n0\n10\n0\n20\n0\n40\n0\n41\n0\n42\n0\n10\n1\n20\n0\n40\n0\n41\n0\n42\n0\n"));
+    open_first<AcDbPolyline>(*db).addVertex({5, 5}, 0.5, 0.25, 0.75);
+    const auto again = load(save(*db));
+    const auto& vertices = first_entity<AcDbPolyline>(*again)->vertices();
+    ASSERT_EQ(vertices.size(), 3u);
+    EXPECT_EQ(vertices[1].bulge, 0);
+    EXPECT_EQ(vertices[2].bulge, 0.5);
+    EXPECT_EQ(vertices[2].end_width, 0.75);
+}
+
 TEST(Change, VerticesOfAPolyline) {
     const std::string source = with_entities("  0\nLWPOLYLINE\n  5\nA\n100\nAcDbEntity\n  "
                                              "8\n0\n100\nAcDbPolyline\n 90\n2\n 70\n0\n 10\n0.0\n"
@@ -334,9 +362,11 @@ TEST(NewDrawing, HandlesAreSoundAndBelowTheSeed) {
     check_handles(save(*load(save(*again, AcDbDxfForm::kBinary)), AcDbDxfForm::kAscii));
 }
 
-TEST(NewDrawing, NewObjectsInAnOldFileTakeFreeHandles) {
+class NewObjects : public testing::TestWithParam<const char*> {};
+
+TEST_P(NewObjects, InAFileOfEntitiesOnlyStandOnceAndTakeFreeHandles) {
     const auto db =
-        load(with_entities("  0\nPOINT\n  8\n0\n  0\nPOINT\n  5\n10\n  8\n0\n", "AC1009"));
+        load(with_entities("  0\nPOINT\n  8\n0\n  0\nPOINT\n  5\n10\n  8\n0\n", GetParam()));
     AcDbObjectId id;
     {
         AcDbObjectPointer<AcDbBlockTableRecord> space(db->modelSpaceId(), AcDb::kForWrite);
@@ -344,9 +374,16 @@ TEST(NewDrawing, NewObjectsInAnOldFileTakeFreeHandles) {
     }
     EXPECT_GT(id.handle().value(), 0x10u);
     const std::string written = save(*db);
-    EXPECT_THAT(written, testing::Not(HasSubstr("AcDb"))) << "no markers in old files";
-    EXPECT_NE(first_entity<AcDbLine>(*load(written)), nullptr);
+    const auto again = load(written);
+    EXPECT_EQ(findings(*again), "");
+    const dxf::DrawingFacts facts = dxf::collect_facts(*again);
+    EXPECT_EQ(facts.modelspace, (std::map<std::string, std::uint64_t>{{"LINE", 1}, {"POINT", 2}}));
+    EXPECT_EQ(facts.blocks, 0u);
+    const bool old = std::string(GetParam()) <= "AC1009";
+    EXPECT_EQ(written.find("AcDb") == std::string::npos, old) << "no markers in old files";
 }
+INSTANTIATE_TEST_SUITE_P(Versions, NewObjects,
+                         testing::Values("AC1006", "AC1009", "AC1015", "AC1032"));
 
 TEST(NewDrawing, IsOpenedByOneWriterOrManyReaders) {
     AcDbDatabase db;
