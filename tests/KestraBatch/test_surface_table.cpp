@@ -108,6 +108,68 @@ TEST_F(SurfaceTableTest, EqualSurfacesAreOne) {
     EXPECT_EQ(table.surfaces().size(), 2u);
 }
 
+TEST_F(SurfaceTableTest, APaneIsClearAndOtherTransparencyKeepsItsBody) {
+    CTsMaterial material;
+    material.m_Transparency = 0.85;
+    material.m_Index = 1;
+    material.m_Color = {0.66, 0.74, 0.74};
+    std::string error;
+    const std::string path = (folder_ / "Gone.TsMaterial").string();
+    material.m_Name = "Glass";
+    ASSERT_TRUE(material.WriteFile(path, error));
+    const renderer::Material pane = surface("MATL;12\n");
+    EXPECT_GT(pane.base_color.x, 0.85f) << "the room behind it is not tinted";
+    EXPECT_GT(pane.transmission, 0.9f);
+    EXPECT_GT(pane.ior, 1.4f);
+    material.m_Name = "Jelly";
+    material.m_Transparency = 0.5;
+    ASSERT_TRUE(material.WriteFile(path, error));
+    EXPECT_FLOAT_EQ(surface("MATL;12\n").transmission, 0.5f);
+    std::filesystem::remove(path);
+}
+
+TEST_F(SurfaceTableTest, SharpnessWithoutReflectionIsTheCoat) {
+    struct Case {
+        const char* name;
+        double sharpness;
+        float roughness, specular, metallic;
+    };
+    const Case cases[] = {
+        {"Plaster", 0.1, 0.9f, 0.25f, 0},      {"Car red", 0.9, 0.1f, 0.5f, 0},
+        {"Paint", 0, 0.6f, 0.5f, 0},           {"Brass", 0.8, 0.2f, 0.5f, 1},
+        {"Tower glass", 0.95, 0.05f, 1.0f, 0},
+    };
+    for (const Case& c : cases) {
+        CTsMaterial material;
+        material.m_Name = c.name;
+        material.m_Sharpness = c.sharpness;
+        std::string error;
+        const std::string path = (folder_ / "Gone.TsMaterial").string();
+        ASSERT_TRUE(material.WriteFile(path, error));
+        const renderer::Material got = surface("MATL;12\n");
+        std::filesystem::remove(path);
+        EXPECT_NEAR(got.roughness, c.roughness, 1e-6f) << c.name;
+        EXPECT_FLOAT_EQ(got.specular, c.specular) << c.name;
+        EXPECT_FLOAT_EQ(got.metallic, c.metallic) << c.name;
+        EXPECT_EQ(got.transmission, 0) << c.name;
+    }
+}
+
+TEST_F(SurfaceTableTest, AMaterialMayTakeTheColourOfItsObject) {
+    CTsMaterial material;
+    material.m_Name = "Lacquered";
+    material.m_Reflection = 0.5;
+    material.m_UsesObjectColor = true;
+    std::string error;
+    const std::string path = (folder_ / "Gone.TsMaterial").string();
+    ASSERT_TRUE(material.WriteFile(path, error));
+    const renderer::Material got = surface("COLR;ff\nMATL;12\n");
+    EXPECT_FLOAT_EQ(got.base_color.x, white_reflectance);
+    EXPECT_FLOAT_EQ(got.base_color.y, black_reflectance);
+    EXPECT_FLOAT_EQ(got.specular, 0.75f);
+    std::filesystem::remove(path);
+}
+
 TEST_F(SurfaceTableTest, AToolkitMaterialKeepsWhatItSays) {
     CTsMaterial material;
     material.m_Name = "Mirror";
