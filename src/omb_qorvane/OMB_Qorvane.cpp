@@ -10,6 +10,24 @@
 namespace {
 
 bool used = false; ///< a command has run since the start
+std::unique_ptr<AsdkCommandReactor> command_reactor;
+std::unique_ptr<MyDocumentReactor> document_reactor;
+
+void add_reactors() {
+    command_reactor = std::make_unique<AsdkCommandReactor>();
+    acedAddReactor(command_reactor.get());
+    document_reactor = std::make_unique<MyDocumentReactor>();
+    acDocManager()->addReactor(document_reactor.get());
+}
+
+void remove_reactors() {
+    if (command_reactor != nullptr) {
+        acedRemoveReactor(command_reactor.get());
+        acDocManager()->removeReactor(document_reactor.get());
+    }
+    command_reactor.reset();
+    document_reactor.reset();
+}
 
 void add_commands(std::span<const cl_command_row> rows) {
     for (const cl_command_row& row : rows) {
@@ -46,11 +64,13 @@ void start_omb_qorvane(const std::string& module_folder) {
     register_draw_classes();
     add_commands(hand_added_commands());
     add_commands(command_table());
+    add_reactors();
     theApp().refresh_document();
 }
 
 void stop_omb_qorvane() {
     acedRegCmds().removeGroup(command_group);
+    remove_reactors();
     theApp_instance.reset();
     StopTsAcToolkit();
     globals.clear();
@@ -100,20 +120,10 @@ AcRx::AppRetCode COMB_Qorvane::On_ignored(void*) { return AcRx::kRetOK; }
 AcRx::AppRetCode COMB_Qorvane::On_kInitAppMsg(void*) {
     start_omb_qorvane(own_module_folder());
     acutPrintf("\nOMB_Qorvane App Loaded.");
-    command_reactor_ = std::make_unique<AsdkCommandReactor>();
-    acedAddReactor(command_reactor_.get());
-    document_reactor_ = std::make_unique<MyDocumentReactor>();
-    acDocManager()->addReactor(document_reactor_.get());
     return AcRx::kRetOK;
 }
 
 AcRx::AppRetCode COMB_Qorvane::On_kUnloadAppMsg(void*) {
-    if (command_reactor_ != nullptr) {
-        acedRemoveReactor(command_reactor_.get());
-        acDocManager()->removeReactor(document_reactor_.get());
-        command_reactor_.reset();
-        document_reactor_.reset();
-    }
     stop_omb_qorvane();
     return AcRx::kRetOK;
 }

@@ -36,12 +36,9 @@ private:
 
     using handler = AcRx::AppRetCode (COMB_Qorvane::*)(void*);
     static const std::array<handler, 16> handlers;
-
-    std::unique_ptr<AsdkCommandReactor> command_reactor_;
-    std::unique_ptr<MyDocumentReactor> document_reactor_;
 };
 
-/// Makes theApp, the toolkit and the settings; adds commands and classes. What the module's load
+/// Makes theApp and the toolkit; adds commands, classes and reactors. What the module's load
 /// does, for a program that links the add-on as well.
 void start_omb_qorvane(const std::string& module_folder);
 /// Takes all that away again.

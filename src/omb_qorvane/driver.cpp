@@ -66,13 +66,16 @@ int plain_start(int start_code, int mode) {
     cl_omb_export& exporter = theApp().omb_export;
     const bool ask = start_code != start_after_dialog;
     theApp().refresh_document();
+    exporter.last_error.clear();
     if (!has_active_view()) {
+        exporter.last_error = "Could not get a 3D view for rendering.";
         do_message_box(no_view, "Qorvane");
         return -1;
     }
     if (!has_something_to_render()) {
         static constexpr const char* nothing =
             "Cannot Render. No entities found to render in this view.";
+        exporter.last_error = nothing;
         acutPrintf(std::string("\n") + nothing);
         do_message_box(nothing, "Qorvane");
         return -1;

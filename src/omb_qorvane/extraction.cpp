@@ -93,6 +93,10 @@ bool cl_omb_export::refresh_document() {
 }
 
 void cl_omb_export::reset_extraction(int mode) {
+    if (batch_file.is_open()) { // an exception ended the last extraction
+        stream.flush();
+        batch_file.close();
+    }
     material_layer_array.clear();
     material_layers_known_.clear();
     material_map_entries.clear();

@@ -1,7 +1,9 @@
 // Block brackets, and what entities wear three levels down.
 #include "extraction_fixture.h"
+#include "probe_entity.h"
 
 #include <cmath>
+#include <stdexcept>
 
 namespace {
 
@@ -232,7 +234,7 @@ TEST_F(Walk, ScanCollectsLayersAndColorsAndWritesNothing) {
     EXPECT_FALSE(std::filesystem::exists(folder / "batch_file.txt"));
 }
 
-TEST_F(Walk, AnInterruptEndsWithNothingUnderTheFinalName) {
+TEST_F(Walk, AnInterruptLeavesAStreamWithoutItsEndAndNoView) {
     for (int i = 0; i < 3; ++i) {
         square();
     }
@@ -240,8 +242,26 @@ TEST_F(Walk, AnInterruptEndsWithNothingUnderTheFinalName) {
     acedSetUsrBrk(true);
     EXPECT_EQ(plain_start(start_after_dialog, EXTRACT_FOLDER_ONLY), 0);
     acedSetUsrBrk(false);
+    EXPECT_THAT(file("batch_file.txt"), HasSubstr("DFEC;000000\n"));
     EXPECT_THAT(file("batch_file.txt"), Not(HasSubstr("END;")));
     EXPECT_FALSE(std::filesystem::exists(folder / "qor_view.txt"));
+}
+
+TEST_F(Walk, AnExceptionInADrawableLeavesTheNextExtractionWhole) {
+    const AcDbObjectId b = block("b");
+    square(b);
+    make<ProbeEntity>(b, [](AcGiWorldDraw& draw) {
+        draw.geometry().pushModelTransform(AcGeMatrix3d::translation({9, 9, 9}));
+        throw std::runtime_error("a drawable that fails");
+    });
+    AcDbBlockReference& reference = insert(b);
+    square();
+    first_use();
+    EXPECT_THROW(plain_start(start_after_dialog, EXTRACT_FOLDER_ONLY), std::runtime_error);
+    reference.setVisibility(AcDb::kInvisible);
+    const checker::stream stream = extract();
+    ASSERT_THAT(stream.meshes, SizeIs(1));
+    EXPECT_EQ(stream.meshes[0].vertices.at(1).position, (checker::triple{0.0254, 0, 0}));
 }
 
 TEST_F(Walk, TwoExtractionsAreEqualButForTheTime) {
