@@ -79,10 +79,6 @@ void set_requested(const Options& options, const std::filesystem::path& image) {
         set_global_int("iks_max_render_minutes",
                        static_cast<int>(std::ceil(options.time_seconds / 60)));
     }
-    if (options.threads > 0) {
-        set_global_int("iks_threads_selection", 2);
-        set_global_int("iks_max_threads", options.threads);
-    }
     set_global_bool("bks_close_window_when_image_done", true);
     set_global_bool("bks_prompt_when_image_done", false);
     set_global_bool("bks_auto_name_image", !image.empty());

@@ -240,6 +240,10 @@ int run_render(const Options& options) {
         check_output(output_path(options, options.operands.front(), word), options.force);
     }
     choose_batch_folder(options);
+    if (options.threads > 0) {
+        // Threads are the machine's matter: no setting of the drawing carries them.
+        setenv("QORVANE_THREADS", std::to_string(options.threads).c_str(), 1);
+    }
     install_interrupt_handlers();
     ProgressChannel channel;
     std::string error;
