@@ -116,7 +116,7 @@ renderer::Material make_surface(SurfaceKind kind, renderer::Rgb linear) {
     case SurfaceKind::glass: // a clear pane with a breath of the drawing's colour
         surface.base_color = mix({0.97f, 0.98f, 0.97f}, linear, 0.15f);
         surface.roughness = 0.0f;
-        surface.transmission = 0.95f;
+        surface.transmission = 1.0f;
         surface.ior = 1.52f;
         break;
     case SurfaceKind::water: // what lies below is dark; the surface is index 1.33
