@@ -20,8 +20,8 @@ renderer::Rgb linear_from_colorref(std::uint32_t color) {
 
 renderer::Rgb reflectance_of(renderer::Rgb linear) {
     const auto map = [](float v) {
-        return black_reflectance + std::clamp(v, 0.0f, 1.0f) *
-                                       (white_reflectance - black_reflectance);
+        return black_reflectance +
+               std::clamp(v, 0.0f, 1.0f) * (white_reflectance - black_reflectance);
     };
     return {map(linear.x), map(linear.y), map(linear.z)};
 }

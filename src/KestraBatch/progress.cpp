@@ -56,9 +56,8 @@ void ProgressReporter::start(const std::string& program_version) {
 
 void ProgressReporter::phase(const std::string& name) {
     if (channel_.is_open()) {
-        send(text_of(Json{{"event", "phase"},
-                          {"phase", name},
-                          {"elapsed_s", rounded(elapsed_seconds())}}),
+        send(text_of(Json{
+                 {"event", "phase"}, {"phase", name}, {"elapsed_s", rounded(elapsed_seconds())}}),
              true);
     } else {
         out_.status(name);
@@ -74,8 +73,8 @@ void ProgressReporter::progress(const std::string& phase, double done, int pass,
     last_progress_ = elapsed;
     const double left = done > 0.01 ? elapsed * (1 - done) / done : -1;
     if (channel_.is_open()) {
-        Json json{{"event", "progress"}, {"phase", phase},     {"done", rounded(done)},
-                  {"pass", pass},        {"passes", passes},   {"elapsed_s", rounded(elapsed)}};
+        Json json{{"event", "progress"}, {"phase", phase},   {"done", rounded(done)},
+                  {"pass", pass},        {"passes", passes}, {"elapsed_s", rounded(elapsed)}};
         if (left >= 0) {
             json["eta_s"] = rounded(left);
         }

@@ -13,7 +13,7 @@ namespace KestraBatch {
 
 /// Where text for people goes. The main program implements it.
 class cl_batch_output {
-  public:
+public:
     virtual ~cl_batch_output() = default;
     virtual void message(const std::string& text) = 0; ///< one line of news
     virtual void error(const std::string& text) = 0;   ///< why the run ends without success
@@ -23,11 +23,11 @@ class cl_batch_output {
 
 /// Sends the events of one run. With the environment variable QORVANE_PROGRESS naming a file or a
 /// pipe, each event is one JSON object on a line there, with the members `event` (start, phase,
-/// progress, warning, image, end), `elapsed_s`, and by kind `pid`; `phase`; `done` (0 to 1), `pass`,
-/// `passes`, `eta_s`, `rss_mb`; `code`, `message`; `file`; `exit_code`, `outputs`, `warnings`.
-/// Otherwise people are told through the output object.
+/// progress, warning, image, end), `elapsed_s`, and by kind `pid`; `phase`; `done` (0 to 1),
+/// `pass`, `passes`, `eta_s`, `rss_mb`; `code`, `message`; `file`; `exit_code`, `outputs`,
+/// `warnings`. Otherwise people are told through the output object.
 class ProgressReporter {
-  public:
+public:
     explicit ProgressReporter(cl_batch_output& out);
 
     void start(const std::string& program_version);
@@ -41,7 +41,7 @@ class ProgressReporter {
 
     double elapsed_seconds() const;
 
-  private:
+private:
     void send(std::string line, bool must_arrive);
 
     cl_batch_output& out_;

@@ -31,6 +31,11 @@ public:
       : std::runtime_error(where(file, line) + text)
       , code_(code) {}
 
+    /// A message that names its file already.
+    ReadError(ExitCode code, const std::string& message)
+      : std::runtime_error(message)
+      , code_(code) {}
+
     ExitCode code() const { return code_; }
 
     /// "FILE(LINE): " with the first line numbered 1.

@@ -41,8 +41,13 @@ std::uint64_t point_key(const std::array<Vec3, 3>& corners) {
     return sum;
 }
 
+Vec3 relative(const Triple& p, const Triple& center) {
+    return {static_cast<float>(p.x - center.x), static_cast<float>(p.y - center.y),
+            static_cast<float>(p.z - center.z)};
+}
+
 class SceneBuilder {
-  public:
+public:
     SceneBuilder(const StreamModel& model, const SceneDescription& description,
                  SceneStatistics& statistics)
       : model_(model)
@@ -61,7 +66,7 @@ class SceneBuilder {
         return std::move(meshes_);
     }
 
-  private:
+private:
     Vec3 position(std::size_t index) const {
         const Triple& p = model_.positions[index];
         const double f = description_.metres_per_coordinate;
@@ -72,7 +77,8 @@ class SceneBuilder {
 
     std::array<Vec3, 3> corners(const MeshRecord& mesh,
                                 const std::array<std::uint32_t, 3>& triangle) const {
-        return {position(mesh.first_vertex + triangle[0]), position(mesh.first_vertex + triangle[1]),
+        return {position(mesh.first_vertex + triangle[0]),
+                position(mesh.first_vertex + triangle[1]),
                 position(mesh.first_vertex + triangle[2])};
     }
 
@@ -210,12 +216,16 @@ renderer::Scene build_renderer_scene(const StreamModel& model, const SceneDescri
     std::erase_if(scene.meshes, [](const renderer::Mesh& mesh) { return mesh.triangles.empty(); });
     scene.materials = description.surfaces;
     scene.environment = make_environment(description.light, warnings);
-    scene.camera =
-        make_camera(description.view, description.perspective, description.center, aspect, warnings);
+    scene.camera = make_camera(description.view, description.perspective, description.center,
+                               aspect, warnings);
+    std::optional<float> ground;
     if (description.ground) {
-        scene.ground = renderer::GroundPlane{
-            static_cast<float>(*description.ground - description.center.z),
-            description.ground_surface};
+        ground = static_cast<float>(*description.ground - description.center.z);
+        scene.ground = renderer::GroundPlane{*ground, description.ground_surface};
+    }
+    if (description.has_geometry) {
+        step_back(scene.camera, relative(description.low, description.center),
+                  relative(description.high, description.center), ground);
     }
     return scene;
 }

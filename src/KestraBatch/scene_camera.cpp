@@ -54,13 +54,34 @@ renderer::Camera make_camera(const ViewRecord& view, bool perspective, const Tri
     camera.projection = perspective ? renderer::Camera::Projection::perspective
                                     : renderer::Camera::Projection::parallel;
     camera.eye = to_float(eye);
-    camera.target =
-        to_float({eye.x + direction.x, eye.y + direction.y, eye.z + direction.z});
+    camera.target = to_float({eye.x + direction.x, eye.y + direction.y, eye.z + direction.z});
     camera.up = to_float(upright(view.up, direction));
     camera.view_height = static_cast<float>(height);
     const double angle = 2 * std::atan(height / 2 / distance) * degrees_per_radian;
     camera.vertical_fov_degrees = static_cast<float>(std::min(angle, widest_degrees));
     return camera;
+}
+
+void step_back(renderer::Camera& camera, const renderer::Vec3& low, const renderer::Vec3& high,
+               std::optional<float> ground) {
+    if (camera.projection != renderer::Camera::Projection::parallel) {
+        return;
+    }
+    constexpr float margin = 0.1f;         // metres
+    constexpr float least_descent = 0.01f; // flatter than this the ground is never reached
+    const renderer::Vec3 forward = normalize(camera.target - camera.eye);
+    float back = 0;
+    for (int corner = 0; corner < 8; ++corner) {
+        const renderer::Vec3 p{corner & 1 ? low.x : high.x, corner & 2 ? low.y : high.y,
+                               corner & 4 ? low.z : high.z};
+        back = std::max(back, dot(camera.eye - p, forward) + margin);
+    }
+    if (ground && forward.z < -least_descent) {
+        const float half = camera.view_height / 2;
+        const float lowest = camera.eye.z - half * std::sqrt(1 - forward.z * forward.z);
+        back = std::max(back, (*ground + margin - lowest) / -forward.z);
+    }
+    camera.eye = camera.eye - forward * back;
 }
 
 } // namespace KestraBatch

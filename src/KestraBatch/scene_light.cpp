@@ -6,13 +6,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
 #include <numbers>
 
 namespace KestraBatch {
 
 namespace {
 
-constexpr double factory_sun_intensity = 0.80; // iks_sun_intensity 80
+constexpr double factory_sun_intensity = 0.80;  // iks_sun_intensity 80
 constexpr double factory_sky_brightness = 0.33; // iks_sky_intensity 33
 constexpr double ground_gap = 0.00025;          // metres
 constexpr double twilight_end_degrees = 18;     // the sun this far down: night
@@ -57,6 +58,25 @@ void add_sky(const SunSky& light, renderer::Environment& environment, WarningLis
     }
 }
 
+/// Settings and document are written by others; what is no finite number is told by name.
+void check_finite(const char* what, std::initializer_list<double> values) {
+    for (const double value : values) {
+        if (!std::isfinite(value)) {
+            throw ReadError(ExitCode::input_unreadable,
+                            std::string(what) + " in the settings or the render document is no "
+                                                "finite number");
+        }
+    }
+}
+
+void check_finite(const SunSky& light) {
+    const Triple& d = light.sun_direction;
+    check_finite("the sun's position", {d.x, d.y, d.z});
+    check_finite("the intensity of sun or sky", {light.sun_factor, light.sky_factor});
+    check_finite("the sky's turbidity", {light.turbidity});
+    check_finite("the sky's saturation", {light.saturation});
+}
+
 } // namespace
 
 SunSky read_sun_sky(const CTsDoc& document) {
@@ -64,7 +84,7 @@ SunSky read_sun_sky(const CTsDoc& document) {
     const CTsVector& d = document.m_Sun.GetDirection();
     light.sun_on = document.GetSunOn();
     light.sun_direction = {d.x, d.y, d.z};
-    light.sun_factor = std::max(document.m_Sun.GetIntensity() / factory_sun_intensity, 0.0);
+    light.sun_factor = std::max(0.0, document.m_Sun.GetIntensity() / factory_sun_intensity);
     light.sky_factor = std::max(document.GetSkyBrightness() / factory_sky_brightness, 0.0);
     light.sky_visible = document.GetSkyOn() && document.GetSkyVisible();
     light.sky_illuminates =
@@ -79,6 +99,7 @@ SunSky read_sun_sky(const CTsDoc& document) {
     light.sky = type == static_cast<int>(TsSkyType::hdri)     ? SunSky::Sky::image
                 : type == static_cast<int>(TsSkyType::colors) ? SunSky::Sky::colors
                                                               : SunSky::Sky::physical;
+    check_finite(light);
     return light;
 }
 
@@ -111,6 +132,7 @@ std::optional<double> ground_elevation(const CTsDoc& document) {
     if (!document.GetGroundPlane()) {
         return std::nullopt;
     }
+    check_finite("the ground plane's elevation", {document.GetGroundPlaneElevation()});
     return document.GetGroundPlaneElevation() - ground_gap;
 }
 

@@ -21,16 +21,17 @@ struct SunSky {
     bool sky_illuminates = true;
     double sky_factor = 1;
     double turbidity = 2.5;
-    double saturation = 1; ///< 1 as computed
-    std::string image;     ///< of Sky::image
+    double saturation = 1;                                 ///< 1 as computed
+    std::string image;                                     ///< of Sky::image
     renderer::Rgb sky_color{1, 1, 1}, background{1, 1, 1}; ///< linear, white is 1
 };
 
-/// Radiance of a white sky of one colour at factor 1, W/(m^2 sr) a channel: near the mean of the
-/// clear sky that the renderer computes, so that sun and sky keep their balance.
-inline constexpr float white_sky_radiance = 30.0f;
+/// Radiance of a white sky of one colour at factor 1, in the renderer's unit (683 cd/m^2): about
+/// 5000 cd/m^2, the mean of a clear sky, so that sun and sky keep their balance.
+inline constexpr float white_sky_radiance = 7.0f;
 
-/// Takes the values from a document that the settings have been written into.
+/// Takes the values from a document that the settings have been written into. Throws ReadError
+/// for a value that is no finite number.
 SunSky read_sun_sky(const CTsDoc& document);
 
 /// The environment. A sun below the horizon gives no light and a dusky sky; an image sky is a

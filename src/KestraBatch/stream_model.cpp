@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace KestraBatch {
 
@@ -10,7 +11,7 @@ namespace {
 
 // Shells carry no colour and no mapping key of their own; a writer may tell them in comments.
 constexpr std::string_view color_comment = "COLOR: ";
-constexpr std::string_view layer_comment = "LAYR: ";
+constexpr std::string_view key_comment = "KEY: ";
 
 bool finite(const Triple& t) {
     return std::isfinite(t.x) && std::isfinite(t.y) && std::isfinite(t.z);
@@ -37,8 +38,8 @@ void StreamModel::comment(std::string_view text) {
             mesh().has_comment_color = true;
             mesh().comment_color = value;
         }
-    } else if (text.starts_with(layer_comment) && mesh().mapping_key == no_name) {
-        mesh().mapping_key = intern(text.substr(layer_comment.size()));
+    } else if (text.starts_with(key_comment) && mesh().mapping_key == no_name) {
+        mesh().mapping_key = intern(text.substr(key_comment.size()));
     }
 }
 
@@ -111,12 +112,15 @@ void StreamModel::start_normals() {
     normals.resize(normals.size() + (positions.size() - mesh().first_vertex));
 }
 
-void StreamModel::add_vertex(std::uint32_t) {
+void StreamModel::add_vertex(std::uint32_t index) {
+    constexpr double nothing = std::numeric_limits<double>::quiet_NaN();
+    positions.resize(mesh().first_vertex + index, {nothing, nothing, nothing}); // left-out numbers
     non_finite_vertices += finite(pending_vertex_) ? 0 : 1;
     if (has_pending_normal_ && !mesh().has_normals) {
         start_normals();
     }
     if (mesh().has_normals) {
+        normals.resize(mesh().first_normal + index);
         normals.push_back(has_pending_normal_ ? pending_normal_ : std::array<float, 3>{});
     }
     positions.push_back(pending_vertex_);

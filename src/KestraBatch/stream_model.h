@@ -29,7 +29,7 @@ struct MeshRecord {
     std::uint32_t comment_color = 0;     ///< 0x00BBGGRR
     std::int32_t material = 0;           ///< index of a material file, 0 for none
     std::uint32_t mapping_key = no_name; ///< index into names: "LAY:...", "COL:..." or "RGB:...";
-                                         ///< for a shell from the comment form "#;LAYR: "
+                                         ///< for a shell from the comment form "#;KEY: "
     std::uint32_t block = no_name;       ///< index into blocks
     std::uint64_t handle = 0;            ///< of the entity, 0 when it is not told
     std::size_t line = 0;                ///< where the mesh begins in the stream

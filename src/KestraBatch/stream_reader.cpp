@@ -188,6 +188,7 @@ private:
         if (keyword == "MESH") {
             mesh_line_ = summary_.lines;
             mesh_vertices_ = 0;
+            holes_.clear();
             vertex_line_ = 0;
             count(summary_.meshes, limits_.meshes, "meshes");
         } else if (keyword == "BLOK") {
@@ -222,20 +223,10 @@ private:
             if (vertex_line_ == 0) {
                 fail("ADDV without a VERT before it");
             }
-            if (value_.integer < 0 ||
-                static_cast<std::uint32_t>(value_.integer) != mesh_vertices_) {
-                fail("ADDV;" + std::to_string(value_.integer) + " is out of order; the next is " +
-                     std::to_string(mesh_vertices_));
-            }
-            vertex_line_ = 0;
-            ++mesh_vertices_;
-            count(summary_.vertices, limits_.vertices, "vertices");
+            take_index(value_.integer);
         } else if (keyword == "FACE") {
-            const std::uint32_t top =
-                std::max({value_.triangle[0], value_.triangle[1], value_.triangle[2]});
-            if (top >= mesh_vertices_) {
-                fail("FACE uses vertex " + std::to_string(top) + ", but the mesh has " +
-                     std::to_string(mesh_vertices_));
+            for (const std::uint32_t index : value_.triangle) {
+                check_used(index);
             }
             count(summary_.triangles, limits_.triangles, "triangles");
         } else if (keyword == "EMSH") {
@@ -244,6 +235,33 @@ private:
                      " needs");
             }
             mesh_line_ = 0;
+        }
+    }
+
+    /// Numbers go up. Some may be left out, as the shifted centre of a circle with thickness is;
+    /// not more than there are vertices, so that no line can ask for much memory.
+    void take_index(std::int32_t number) {
+        const auto index = static_cast<std::uint32_t>(number);
+        if (number < 0 || index < mesh_vertices_ || index > 2 * mesh_vertices_ + 1) {
+            fail("ADDV;" + std::to_string(number) + " is out of order; the next is " +
+                 std::to_string(mesh_vertices_));
+        }
+        vertex_line_ = 0;
+        for (; mesh_vertices_ < index; ++mesh_vertices_) {
+            holes_.push_back(mesh_vertices_);
+            count(summary_.vertices, limits_.vertices, "vertices");
+        }
+        ++mesh_vertices_;
+        count(summary_.vertices, limits_.vertices, "vertices");
+    }
+
+    void check_used(std::uint32_t index) const {
+        if (index >= mesh_vertices_) {
+            fail("FACE uses vertex " + std::to_string(index) + ", but the mesh has " +
+                 std::to_string(mesh_vertices_));
+        }
+        if (!holes_.empty() && std::binary_search(holes_.begin(), holes_.end(), index)) {
+            fail("FACE uses vertex " + std::to_string(index) + ", which no ADDV gave");
         }
     }
 
@@ -299,6 +317,7 @@ private:
     std::size_t mesh_line_ = 0;   ///< line of the mesh that is open, 0 for none
     std::size_t vertex_line_ = 0; ///< line of a VERT that has no ADDV yet, 0 for none
     std::uint32_t mesh_vertices_ = 0;
+    std::vector<std::uint32_t> holes_; ///< numbers of this mesh that were left out, ascending
     std::size_t depth_ = 0;
     bool ended_ = false;
     bool warned_after_end_ = false;

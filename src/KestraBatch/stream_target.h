@@ -25,9 +25,9 @@ enum class MeshFlag {
 };
 
 /// Receives the records of one stream. The reader has checked their form and their order: mesh
-/// records come between begin_mesh and end_mesh, add_vertex counts up from 0 behind a vertex, and
-/// faces use added vertices only. Views into text are valid during the call. Colours are
-/// 0x00BBGGRR. All methods do nothing unless overridden.
+/// records come between begin_mesh and end_mesh, add_vertex counts up from 0 behind a vertex (and
+/// may leave numbers out), and faces use added vertices only. Views into text are valid during the
+/// call. Colours are 0x00BBGGRR. All methods do nothing unless overridden.
 class StreamTarget {
 public:
     virtual ~StreamTarget() = default;

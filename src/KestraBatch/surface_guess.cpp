@@ -30,6 +30,7 @@ constexpr auto words = std::to_array<WordRow>({
     {"aluminium", SurfaceKind::metal},  {"aluminum", SurfaceKind::metal},
     {"chrome", SurfaceKind::metal},     {"zinc", SurfaceKind::metal},
     {"copper", SurfaceKind::metal},     {"brass", SurfaceKind::metal},
+    {"iron", SurfaceKind::metal},       {"bronze", SurfaceKind::metal},
     {"inox", SurfaceKind::metal},       {"acier", SurfaceKind::metal},
     {"grass", SurfaceKind::matte},      {"lawn", SurfaceKind::matte},
     {"meadow", SurfaceKind::matte},     {"soil", SurfaceKind::matte},

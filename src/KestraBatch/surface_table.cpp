@@ -4,7 +4,6 @@
 #include "KestraBatch/color.h"
 #include "KestraBatch/surface_guess.h"
 #include "omb/base/folders.h"
-#include "toolkit/ts_material.h"
 
 #include <algorithm>
 #include <array>
@@ -17,10 +16,8 @@ constexpr std::uint32_t no_color = 0xffffffffu;
 constexpr std::string_view toolkit_prefix = "Tessara-";
 constexpr std::string_view layer_mark = "LAY:";
 
-/// Radiance of one candela a square metre of white light: 179 lumens a watt, the figure that the
-/// Radiance lighting system uses (G. Ward, "The RADIANCE Lighting Simulation and Rendering
-/// System", 1994).
-constexpr double lumens_per_watt = 179.0;
+/// The renderer counts light in luminous units: a luminance of 1 is 683 candela a square metre.
+constexpr double lumens_per_watt = 683.0;
 
 /// Materials that a drawing always has and that let the colour of the object through.
 bool is_stand_in(std::string_view name) {
@@ -38,22 +35,65 @@ renderer::Rgb linear(const CTsColor& c) {
     return {linear_from_srgb(c.r), linear_from_srgb(c.g), linear_from_srgb(c.b)};
 }
 
+/// A material that lets light through. One that is called glass is a clear pane; another keeps as
+/// much of its body as it is opaque. An index of 1 is what files have that do not know it.
+renderer::Material transparent_surface(const CTsMaterial& material) {
+    const renderer::Rgb color = linear(material.m_Color);
+    const renderer::Material pane = make_surface(SurfaceKind::glass, color);
+    const float through = share(material.m_Transparency);
+    const bool is_pane = through >= 0.3f && guess_surface(material.m_Name) == SurfaceKind::glass;
+    renderer::Material surface = is_pane ? pane : make_surface(SurfaceKind::paint, color);
+    if (!is_pane) {
+        surface.base_color = surface.base_color * (1 - through) + pane.base_color * through;
+        surface.transmission = through;
+        surface.roughness = 1 - share(material.m_Sharpness);
+    }
+    surface.ior =
+        material.m_Index > 1.01 ? static_cast<float>(std::min(material.m_Index, 3.0)) : pane.ior;
+    return surface;
+}
+
+renderer::Material reflecting_surface(const CTsMaterial& material) {
+    renderer::Material surface = make_surface(SurfaceKind::paint, linear(material.m_Color));
+    const float reflection = share(material.m_Reflection);
+    surface.roughness = 1 - share(material.m_Sharpness);
+    surface.specular = 0.5f + 0.5f * reflection;
+    surface.metallic = share((reflection - 0.6) / 0.4); // a mirror reflects its own colour
+    return surface;
+}
+
+/// A material that says nothing of reflections: the kind that its name tells, as sharp as it says.
+/// Glass that lets nothing through is the front of a building: it mirrors.
+renderer::Material plain_surface(const CTsMaterial& material) {
+    const float sharpness = share(material.m_Sharpness);
+    const SurfaceKind kind = guess_surface(material.m_Name);
+    const bool mirrors = kind == SurfaceKind::glass && sharpness > 0;
+    renderer::Material surface =
+        make_surface(mirrors ? SurfaceKind::paint : kind, linear(material.m_Color));
+    if (sharpness > 0 && kind != SurfaceKind::water) {
+        surface.roughness = std::max(0.03f, 1 - sharpness);
+        surface.specular = mirrors ? 1.0f : surface.specular;
+    }
+    return surface;
+}
+
 /// A toolkit material: what it says itself rules, its name only fills in what it leaves open.
 renderer::Material surface_from(const CTsMaterial& material) {
-    const bool plain = material.m_Reflection <= 0 && material.m_Transparency <= 0;
-    const SurfaceKind kind = plain ? guess_surface(material.m_Name) : SurfaceKind::paint;
-    renderer::Material surface = make_surface(kind, linear(material.m_Color));
-    if (!plain) {
-        const float reflection = share(material.m_Reflection);
-        surface.roughness = reflection > 0 ? share(material.Roughness()) : surface.roughness;
-        surface.specular = 0.5f + 0.5f * reflection;
-        surface.metallic = share((reflection - 0.6) / 0.4); // a mirror reflects its own colour
-        surface.transmission = share(material.m_Transparency);
-        surface.ior = static_cast<float>(std::clamp(material.m_Index, 1.0, 3.0));
-    }
+    renderer::Material surface = material.m_Transparency > 0 ? transparent_surface(material)
+                                 : material.m_Reflection > 0 ? reflecting_surface(material)
+                                                             : plain_surface(material);
     const auto glow = static_cast<float>(std::max(material.m_Glow, 0.0) / lumens_per_watt);
     surface.emission = linear(material.m_Color) * glow;
     return surface;
+}
+
+/// The material in the object's colour, when it takes that and there is one.
+CTsMaterial in_color(CTsMaterial material, std::uint32_t color) {
+    if (material.m_UsesObjectColor && color != no_color) {
+        material.m_Color = {(color & 255u) / 255.0, (color >> 8 & 255u) / 255.0,
+                            (color >> 16 & 255u) / 255.0};
+    }
+    return material;
 }
 
 bool equal(const renderer::Material& a, const renderer::Material& b) {
@@ -101,8 +141,8 @@ std::uint32_t SurfaceTable::add(const renderer::Material& surface) {
 renderer::Material SurfaceTable::resolve(const MeshRecord& mesh) {
     const std::uint32_t color = color_of(mesh);
     const FileMaterial* file = mesh.material != 0 ? file_material(mesh.material) : nullptr;
-    if (file && !(file->takes_object_color && color != no_color)) {
-        return file->surface;
+    if (file && !(file->is_stand_in && color != no_color)) {
+        return surface_from(in_color(file->material, color));
     }
     SurfaceKind kind = SurfaceKind::paint;
     if (mesh.mapping_key != no_name) {
@@ -137,12 +177,13 @@ std::optional<FileMaterial> SurfaceTable::read_material(std::int32_t index) {
         warnings_.add("material-unreadable", error + "; colours are used instead");
         return std::nullopt;
     }
-    std::string name = material.m_Name.empty() ? decode_file_name(path_stem(file))
-                                               : material.m_Name;
+    std::string name =
+        material.m_Name.empty() ? decode_file_name(path_stem(file)) : material.m_Name;
     if (name.starts_with(toolkit_prefix)) {
         name.erase(0, toolkit_prefix.size());
     }
-    return FileMaterial{name, surface_from(material), is_stand_in(name)};
+    material.m_Name = name;
+    return FileMaterial{material, is_stand_in(name)};
 }
 
 } // namespace KestraBatch

@@ -4,6 +4,7 @@
 #include "KestraBatch/read_error.h"
 #include "KestraBatch/stream_model.h"
 #include "renderer/scene.h"
+#include "toolkit/ts_material.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -16,18 +17,18 @@
 
 namespace KestraBatch {
 
-/// A material file as it was read: its name, and how it looks.
+/// A material file as it was read.
 struct FileMaterial {
-    std::string name;
-    renderer::Material surface;
-    bool takes_object_color = false; ///< a stand-in that leaves colour to the object
+    CTsMaterial material;
+    bool is_stand_in = false; ///< one of those that every drawing has: leaves all to the object
 };
 
 /// Equal surfaces are one row. The order of precedence for a mesh is: a material file that can be
-/// read; COLR; the comment colour of a shell; the stream's default face colour. Without a material
-/// file the layer's name may tell what the surface is made of.
+/// read (in the object's colour, when it says so); COLR; the comment colour of a shell; the
+/// stream's default face colour. Without a material file the layer's name may tell what the surface
+/// is made of.
 class SurfaceTable {
-  public:
+public:
     /// `folder` holds the material files. A file that cannot be read is one warning.
     SurfaceTable(const StreamModel& model, std::filesystem::path folder, WarningList& warnings);
 
@@ -38,7 +39,7 @@ class SurfaceTable {
 
     const std::vector<renderer::Material>& surfaces() const { return surfaces_; }
 
-  private:
+private:
     /// What decides a surface: material index, colour (or one that says none), mapping key.
     using Key = std::tuple<std::int32_t, std::uint32_t, std::uint32_t>;
 

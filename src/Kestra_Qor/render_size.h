@@ -19,5 +19,6 @@ void compute_render_size(cl_render_size& record, bool for_animation);
 
 /// Completes folder, name and extensions of the automatic image and stores the full names in
 /// `sks_auto_image_save_name`, `sks_autosave_image_save_name` and `sks_auto_image_save_name2`.
-/// `default_folder` stands in for an empty `sks_auto_image_folder`.
-void set_auto_image_globals(const std::string& default_folder);
+/// `default_folder` and `default_name` stand in for empty globals.
+void set_auto_image_globals(const std::string& default_folder,
+                            const std::string& default_name = "Untitled");

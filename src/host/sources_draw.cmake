@@ -15,7 +15,6 @@ set(HOST_DRAW_SOURCES
   db/entity.cpp
   db/faces.cpp
   db/meshes.cpp
-  db/not_rendered.cpp
   db/polylines.cpp
   db/spline.cpp
   db/subd_mesh.cpp

@@ -24,7 +24,8 @@ void LineChannel::close() {
 bool LineChannel::open(const std::filesystem::path& path, std::string& error) {
     close();
     // not blocking: a pipe without a reader is refused here instead of waiting for one
-    descriptor_ = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, 0644);
+    descriptor_ =
+        ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, 0644);
     if (descriptor_ < 0) {
         error = system_error_text(errno);
     }

@@ -35,8 +35,8 @@ std::optional<StartedProcess> start_process(const std::filesystem::path& program
     if (!working_folder.empty()) {
         posix_spawn_file_actions_addchdir_np(&actions, working_folder.c_str());
     }
-    // The child begins with the default reaction to signals and in the same process group, so
-    // that the interrupt key reaches it as it reaches us.
+    // The child begins with the default reaction to signals and in a process group of its own: the
+    // interrupt key reaches it only through us.
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     sigset_t all;
@@ -45,7 +45,9 @@ std::optional<StartedProcess> start_process(const std::filesystem::path& program
     sigemptyset(&none);
     posix_spawnattr_setsigdefault(&attributes, &all);
     posix_spawnattr_setsigmask(&attributes, &none);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
+    posix_spawnattr_setpgroup(&attributes, 0);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK |
+                                               POSIX_SPAWN_SETPGROUP);
     pid_t pid = 0;
     const int status =
         posix_spawn(&pid, program.c_str(), &actions, &attributes, argv.data(), environ);

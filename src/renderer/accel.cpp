@@ -6,6 +6,7 @@
 #include "renderer/triangle_soup.h"
 
 #include <embree3/rtcore.h>
+#include <tbb/task_arena.h>
 
 #include <algorithm>
 #include <bit>
@@ -140,8 +141,7 @@ void Accel::Impl::attach(const std::vector<SoupTriangle>& list, unsigned id) {
 }
 
 void Accel::Impl::build() {
-    // One thread: parallel builds order equal triangles by chance, and ties must not depend on it.
-    device.reset(rtcNewDevice("threads=1,set_affinity=0"));
+    device.reset(rtcNewDevice(nullptr));
     if (!device)
         throw std::runtime_error("Embree: no device");
     scene.reset(rtcNewScene(device.get()));
@@ -155,7 +155,9 @@ void Accel::Impl::build() {
     soup.positions.push_back({0, 0, 0});
     attach(soup.opaque, opaque_geometry);
     attach(soup.glass, glass_geometry);
-    rtcCommitScene(scene.get());
+    // One thread: parallel builds order equal triangles by chance, and ties must not depend on it.
+    // The arena does it; a thread count given to the device would bind the whole process.
+    tbb::task_arena(1).execute([&] { rtcCommitScene(scene.get()); });
     check_error("building the tree");
 }
 
@@ -310,7 +312,7 @@ Accel::Accel(const Scene& scene)
     const float size = std::max({length(impl.soup.low), length(impl.soup.high),
                                  impl.ground ? std::fabs(impl.ground->elevation) : 0.0f, 1.0f});
     impl.ground_tolerance = 2e-5f * size;
-    mark_coplanar_triangles(impl.soup, scene.materials);
+    mark_coplanar_triangles(impl.soup, scene.materials.size());
     for (const auto* list : {&impl.soup.opaque, &impl.soup.glass})
         impl.coplanar += static_cast<std::size_t>(std::count_if(
             list->begin(), list->end(), [](const SoupTriangle& t) { return t.coplanar != 0; }));

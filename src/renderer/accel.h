@@ -21,7 +21,7 @@ class Accel {
 public:
     /// Throws std::invalid_argument for an index out of range, std::bad_alloc or
     /// std::runtime_error for an error of Embree. Triangles with a vertex that is not finite or
-    /// beyond 1e12 metres, or without area, are left out and counted.
+    /// beyond 1e9 metres, or without area, are left out and counted.
     explicit Accel(const Scene& scene);
     ~Accel();
     Accel(Accel&&) noexcept;

@@ -23,6 +23,10 @@ constexpr Spectrum solar = {1.53512f, 1.73774f, 2.02576f, 1.93624f, 1.8638f, 1.8
 constexpr Spectrum ozone_cross_section = {0.0165f, 0.0993f, 0.3636f, 1.0523f, 2.1653f, 3.619f,
                                           4.5903f, 4.3547f, 2.705f,  1.5113f, 0.7815f};
 
+/// Makes light of a clear day neutral, as a camera set to daylight does: what sun (60 degrees high,
+/// turbidity 2.5) and sky send to level ground by the model below, with the luminance kept.
+constexpr Rgb daylight_balance{0.884f, 1.004f, 1.079f};
+
 float gaussian(float x, float mean, float below, float above) {
     const float t = (x - mean) / (x < mean ? below : above);
     return std::exp(-0.5f * t * t);
@@ -58,9 +62,10 @@ Rgb spectrum_to_rgb(const Spectrum& spectrum) {
     Vec3 c{0, 0, 0};
     for (int i = 0; i < wavelength_count; ++i)
         c += weights[i] * spectrum[i];
-    return {3.2404542f * c.x - 1.5371385f * c.y - 0.4985314f * c.z,
-            -0.9692660f * c.x + 1.8760108f * c.y + 0.0415560f * c.z,
-            0.0556434f * c.x - 0.2040259f * c.y + 1.0572252f * c.z};
+    const Rgb rgb{3.2404542f * c.x - 1.5371385f * c.y - 0.4985314f * c.z,
+                  -0.9692660f * c.x + 1.8760108f * c.y + 0.0415560f * c.z,
+                  0.0556434f * c.x - 0.2040259f * c.y + 1.0572252f * c.z};
+    return rgb * daylight_balance;
 }
 
 const Spectrum& solar_irradiance() { return solar; }
@@ -73,7 +78,7 @@ Atmosphere::Atmosphere(float turbidity) {
         const float micrometres = (first_wavelength + wavelength_step * i) * 1e-3f;
         rayleigh_[i] = 1.24062e-3f / square(square(micrometres));
         aerosol_[i] = beta * std::pow(micrometres, -1.3f) / aerosol_scale;
-        aerosol_scattering_[i] = 0.92f * aerosol_[i];
+        aerosol_scattering_[i] = 0.97f * aerosol_[i];
         ozone_[i] = ozone_cross_section[i] * 1e-25f * ozone_column / ozone_peak_km;
     }
     tabulate_columns();

@@ -12,7 +12,8 @@ namespace renderer {
 inline constexpr int wavelength_count = 11;
 using Spectrum = std::array<float, wavelength_count>;
 
-/// Linear sRGB (D65) of a spectrum in W/m^2/nm. A luminance of 1 is 683 lm/m^2. Colour matching
+/// Linear sRGB of a spectrum in W/m^2/nm, balanced so that midday light is neutral. A luminance of
+/// 1 is 683 lm/m^2. Colour matching
 /// after Wyman, Sloan and Shirley, "Simple Analytic Approximations to the CIE XYZ Color Matching
 /// Functions", JCGT 2(2), 2013.
 Rgb spectrum_to_rgb(const Spectrum& spectrum);

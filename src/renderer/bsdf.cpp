@@ -56,6 +56,9 @@ Bsdf::Bsdf(const Material& material, Vec3 normal, Vec3 outgoing, float least_rou
     transmission_ = clamp01(material.transmission) * (1 - metallic);
     const Rgb base = clamp_reflectance(material.base_color);
     f0_grey_ = coat_f0(material);
+    // A coat weaker than any real one fades at grazing angles too, so that 0 is truly matt.
+    f90_grey_ = std::min(1.0f, 50 * f0_grey_);
+    f90_ = f90_grey_ + (1 - f90_grey_) * metallic;
     f0_ = lerp({f0_grey_, f0_grey_, f0_grey_}, base, metallic);
     diffuse_ = base * ((1 - metallic) * (1 - transmission_));
 
@@ -63,16 +66,15 @@ Bsdf::Bsdf(const Material& material, Vec3 normal, Vec3 outgoing, float least_rou
     const float whole = std::max(out.scale + out.bias, 1e-3f);
     const float lost = (1 - whole) / whole;
     glossy_scale_ = Rgb{1, 1, 1} + f0_ * lost;
-    base_share_out_ = 1 - out.of(f0_grey_) * (1 + f0_grey_ * lost);
-    base_share_mean_ = 1 - ggx_mean_albedo(alpha_).of(f0_grey_);
+    base_share_out_ = 1 - out.of(f0_grey_, f90_grey_) * (1 + f0_grey_ * lost);
+    base_share_mean_ = 1 - ggx_mean_albedo(alpha_).of(f0_grey_, f90_grey_);
     if (transmission_ > 0) {
         pane_ior_ = usable_ior(material.ior);
         const float passed = 1 - pane_reflectance(outgoing_.z, pane_ior_);
         through_ = base * (passed * transmission_);
     }
 
-    const Rgb glossy = (f0_ * out.scale + Rgb{1, 1, 1} * out.bias) * glossy_scale_;
-    float w_glossy = luminance(glossy);
+    float w_glossy = luminance(glossy_albedo());
     if (pane_ior_ > 0)
         w_glossy = std::max(w_glossy, transmission_ * pane_reflectance(outgoing_.z, pane_ior_));
     const float w_diffuse = luminance(diffuse_) * base_share_out_;
@@ -90,7 +92,7 @@ Bsdf::Bsdf(const Material& material, Vec3 normal, Vec3 outgoing, float least_rou
 Rgb Bsdf::glossy_fresnel(float cosine) const {
     const float base = 1 - clamp01(cosine);
     const float schlick = base * base * base * base * base;
-    const Rgb opaque = (f0_ + (Rgb{1, 1, 1} - f0_) * schlick) * glossy_scale_;
+    const Rgb opaque = lerp(f0_, {f90_, f90_, f90_}, schlick) * glossy_scale_;
     if (pane_ior_ == 0)
         return opaque;
     const float pane = pane_reflectance(cosine, pane_ior_);
@@ -105,7 +107,7 @@ Rgb Bsdf::evaluate(Vec3 incoming, float& pdf) const {
     const float p_diffuse = std::max(0.0f, 1 - p_glossy_ - p_through_);
     Rgb value{0, 0, 0};
     if (max_component(diffuse_) > 0) {
-        const float share_in = 1 - ggx_albedo(light.z, alpha_).of(f0_grey_);
+        const float share_in = 1 - ggx_albedo(light.z, alpha_).of(f0_grey_, f90_grey_);
         value = diffuse_ * (base_share_out_ * share_in / base_share_mean_ * light.z / pi);
         pdf = p_diffuse * light.z / pi;
     }
@@ -146,10 +148,13 @@ BsdfSample Bsdf::sample(float lobe, Vec2 u) const {
     return result;
 }
 
-Rgb Bsdf::albedo() const {
+Rgb Bsdf::glossy_albedo() const {
     const GgxAlbedo out = ggx_albedo(outgoing_.z, alpha_);
-    const Rgb glossy = (f0_ * out.scale + Rgb{1, 1, 1} * out.bias) * glossy_scale_;
-    return clamp_reflectance(diffuse_ * base_share_out_ + through_ + glossy);
+    return (f0_ * out.scale + Rgb{1, 1, 1} * (out.bias * f90_)) * glossy_scale_;
+}
+
+Rgb Bsdf::albedo() const {
+    return clamp_reflectance(diffuse_ * base_share_out_ + through_ + glossy_albedo());
 }
 
 } // namespace renderer

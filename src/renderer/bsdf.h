@@ -40,6 +40,7 @@ public:
 
 private:
     Rgb glossy_fresnel(float cosine) const;
+    Rgb glossy_albedo() const;
 
     Frame frame_;
     Vec3 outgoing_world_;
@@ -54,7 +55,8 @@ private:
     float base_share_out_ = 1; ///< share of light that reaches the base from the viewer's side
     float base_share_mean_ = 1;
     float p_glossy_ = 0, p_through_ = 0; ///< the rest is diffuse
-    float f0_grey_ = 0;
+    float f0_grey_ = 0, f90_grey_ = 1;   ///< of the coat alone
+    float f90_ = 1;                      ///< glossy reflectance at grazing angles
 };
 
 } // namespace renderer

@@ -66,4 +66,20 @@ Ray CameraRays::generate(float x, float y) const {
     return {eye_, normalize(forward_ + offset)};
 }
 
+float CameraRays::step_back(Vec3 centre, float radius, float lowest_start) {
+    if (projection_ == Camera::Projection::perspective)
+        return 0;
+    float back = std::max(0.0f, dot(eye_ - centre, forward_) + radius);
+    const float far_from_level = -forward_.z;
+    if (far_from_level > 1e-3f) {
+        // the lowest corner of the picture, in world z
+        const float drop =
+            std::fabs(right_.z) * (half_width_ * inverse_height_ + std::fabs(shift_.x)) +
+            std::fabs(up_.z) * (0.5f + std::fabs(shift_.y));
+        back = std::max(back, (lowest_start - (eye_.z - drop)) / far_from_level);
+    }
+    eye_ = eye_ - forward_ * back;
+    return back;
+}
+
 } // namespace renderer

@@ -18,6 +18,11 @@ public:
     /// the outer corner at the top left.
     Ray generate(float x, float y) const;
 
+    /// Moves the starts of a parallel camera's rays back along the view, out of a sphere and above
+    /// a height as far as the view comes from above: a parallel view shows what lies behind its
+    /// eye as well. Returns by how many metres. Does nothing to a perspective camera.
+    float step_back(Vec3 centre, float radius, float lowest_start);
+
 private:
     Camera::Projection projection_;
     Vec3 eye_, forward_, right_, up_; ///< right_ and up_ span one picture height

@@ -129,6 +129,17 @@ Rgb DistantLight::background(Vec3 direction) const {
     return visible_ ? sky_radiance(direction) + sun_radiance(direction) : background_;
 }
 
+float DistantLight::white_radiance() const {
+    constexpr int steps = 16;
+    float sky = 0;
+    for (int i = 0; has_sky_ && i < steps * steps; ++i) {
+        const Vec2 u{(static_cast<float>(i % steps) + 0.5f) / steps,
+                     (static_cast<float>(i / steps) + 0.5f) / steps};
+        sky += luminance(sky_radiance(sample_cosine_hemisphere(u))) / (steps * steps);
+    }
+    return sky + 2 * sun_cone_ * luminance(sun_radiance_); // irradiance over pi
+}
+
 Rgb DistantLight::haze(Vec3 direction) const {
     const float flat = std::hypot(direction.x, direction.y);
     if (flat <= 0)

@@ -25,6 +25,9 @@ public:
     Rgb haze(Vec3 direction) const;       ///< what far ground fades into
     Rgb backdrop(Vec3 direction) const;   ///< the same for camera rays
 
+    /// Luminance of a white matt surface that lies open to the sky and faces the sun.
+    float white_radiance() const;
+
     bool has_sky() const { return has_sky_; }
     Rgb sky_radiance(Vec3 direction) const;
     float sky_pdf(Vec3 direction) const;

@@ -21,10 +21,11 @@ struct Ggx {
     Vec3 sample_visible_normal(Vec3 view, Vec2 u) const;
 };
 
-/// Directional albedo of GGX with Schlick's Fresnel term: scale * f0 + bias.
+/// Directional albedo of GGX with Schlick's Fresnel term from f0 head on to f90 at grazing angles:
+/// scale * f0 + bias * f90.
 struct GgxAlbedo {
     float scale, bias;
-    float of(float f0) const { return scale * f0 + bias; }
+    float of(float f0, float f90) const { return scale * f0 + bias * f90; }
 };
 
 GgxAlbedo ggx_albedo(float cosine, float alpha);

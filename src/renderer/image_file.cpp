@@ -1,10 +1,12 @@
 // Writes pictures through OpenImageIO.
 #include "renderer/image_file.h"
 
+#include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -39,8 +41,8 @@ std::string system_error(int code) { return std::strerror(code); }
 class TemporaryFile {
 public:
     explicit TemporaryFile(const fs::path& target)
-      : path_(target.parent_path() / ("." + target.stem().string() + ".part-" +
-                                      std::to_string(::getpid()) + target.extension().string()))
+      : path_(target.parent_path() / (".picture-" + std::to_string(::getpid()) + "-" +
+                                      std::to_string(counter_++) + target.extension().string()))
       , target_(target) {}
     ~TemporaryFile() {
         std::error_code ignored;
@@ -51,26 +53,24 @@ public:
 
     const fs::path& path() const { return path_; }
     void publish() const {
-        sync(path_, O_RDONLY);
         std::error_code error;
         fs::rename(path_, target_, error);
         if (error)
             fail(target_, error.message());
-        const fs::path folder = target_.parent_path();
-        sync(folder.empty() ? fs::path(".") : folder, O_RDONLY | O_DIRECTORY);
+        sync_folder(target_.parent_path().empty() ? fs::path(".") : target_.parent_path());
     }
 
 private:
-    void sync(const fs::path& what, int flags) const {
-        const int file = ::open(what.c_str(), flags | O_CLOEXEC);
-        if (file < 0)
-            fail(target_, system_error(errno));
-        const int result = ::fsync(file);
-        const int code = errno;
-        ::close(file);
-        if (result != 0 && code != EINVAL) // folders of some file systems cannot be synced
-            fail(target_, system_error(code));
+    /// Makes the new name last; some file systems cannot, and the picture is there all the same.
+    static void sync_folder(const fs::path& folder) {
+        const int handle = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        if (handle < 0)
+            return;
+        ::fsync(handle);
+        ::close(handle);
     }
+
+    static inline std::atomic<unsigned> counter_ = 0;
     fs::path path_, target_;
 };
 
@@ -101,23 +101,42 @@ void add_metadata(OIIO::ImageSpec& spec, const std::string& extension,
     spec.attribute("ResolutionUnit", "in");
 }
 
+/// Writes bytes and says truly whether they arrived; encoders that write by themselves do not.
+void write_bytes(const fs::path& target, const fs::path& file,
+                 const std::vector<unsigned char>& bytes) {
+    const int handle = ::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (handle < 0)
+        fail(target, system_error(errno));
+    int code = 0;
+    for (std::size_t done = 0; done < bytes.size() && code == 0;) {
+        const ssize_t count = ::write(handle, bytes.data() + done, bytes.size() - done);
+        if (count > 0)
+            done += static_cast<std::size_t>(count);
+        else if (count == 0 || errno != EINTR)
+            code = count == 0 ? ENOSPC : errno;
+    }
+    if (code == 0 && ::fsync(handle) != 0)
+        code = errno;
+    if (::close(handle) != 0 && code == 0)
+        code = errno;
+    if (code != 0)
+        fail(target, system_error(code));
+}
+
 void write(const fs::path& target, const fs::path& file, const OIIO::ImageSpec& spec,
            OIIO::TypeDesc type, const void* pixels) {
     auto output = OIIO::ImageOutput::create(file.string());
     if (!output)
         fail(target, OIIO::geterror());
-    if (!output->open(file.string(), spec))
+    std::vector<unsigned char> bytes;
+    OIIO::Filesystem::IOVecOutput memory(bytes);
+    if (!output->supports("ioproxy") || !output->set_ioproxy(&memory))
+        fail(target, "the encoder cannot write to memory");
+    if (!output->open(file.string(), spec) || !output->write_image(type, pixels) ||
+        !output->close())
         fail(target, output->geterror());
-    errno = 0;
-    const bool written = output->write_image(type, pixels);
-    const bool closed = output->close();
-    if (!written || !closed) {
-        const int code = errno;
-        const std::string message = output->geterror();
-        fail(target, code == ENOSPC    ? system_error(code)
-                     : message.empty() ? "the encoder failed"
-                                       : message);
-    }
+    output.reset();
+    write_bytes(target, file, bytes);
 }
 
 void write_display(const fs::path& target, const fs::path& file, const std::string& extension,

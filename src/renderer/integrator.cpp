@@ -8,9 +8,8 @@ namespace renderer {
 
 namespace {
 
-constexpr std::uint32_t camera_pairs = 1, pairs_per_bounce = 5;
-constexpr int both_lights_until = 1; // deeper vertices ask the sun or the sky, not both
-constexpr int roulette_from = 2;     // bounces that always go on
+constexpr std::uint32_t camera_pairs = 1, pairs_per_bounce = 4;
+constexpr int roulette_from = 3; // bounces that always go on
 
 /// With a clamp, paths that have left a rough surface see mirrors blurred by this: what they
 /// would show of the sun is found by chance only, and would come as fireflies.
@@ -30,7 +29,6 @@ struct Integrator::PathState {
     int panes = 0;              ///< panes of glass passed straight
     bool seen_by_camera = true; ///< only straight passes behind us
     float pdf = 0;              ///< density of the direction of `ray`
-    Vec3 from_normal{0, 0, 1};  ///< normal of the vertex behind us
     float roughness_floor = 0;
 };
 
@@ -47,7 +45,17 @@ Integrator::Integrator(const Accel& accel, const Scene& scene, const RenderSetti
   , camera_(scene.camera, settings.width, settings.height)
   , filter_(settings.filter_radius)
   , settings_(settings)
-  , fade_distance_(std::max(1500.0f, 40 * accel.bounds().radius())) {}
+  , fade_distance_(std::max(1500.0f, 40 * accel.bounds().radius())) {
+    const SceneBounds& bounds = accel.bounds();
+    const float radius = 1.01f * bounds.radius() + 0.01f;
+    const float elevation = scene.ground ? scene.ground->elevation : bounds.low.z;
+    stepped_back_ =
+        camera_.step_back((bounds.low + bounds.high) * 0.5f, radius, elevation + 0.01f * radius);
+    if (settings.clamp_factor > 0) {
+        const float relative = settings.clamp_factor * light_.white_radiance();
+        settings_.clamp = settings.clamp > 0 ? std::min(settings.clamp, relative) : relative;
+    }
+}
 
 PathResult Integrator::trace_sample(int x, int y, std::uint32_t sample) const {
     Sampler sampler(static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y), sample,
@@ -98,7 +106,7 @@ bool Integrator::step(PathState& state, Sampler& sampler) const {
             r.alpha = 1;
         r.albedo = bsdf.albedo();
         r.normal = hit.shading_normal;
-        r.depth = hit.distance;
+        r.depth = hit.distance - stepped_back_;
     }
     add(state, state.throughput * material.emission, state.depth);
     if (state.depth >= settings_.max_bounces)
@@ -115,15 +123,12 @@ void Integrator::add_escaped(PathState& state) const {
         add(state, state.throughput * light_.background(d), 0);
         return;
     }
-    const bool both = state.depth - 1 <= both_lights_until;
-    const float sun_share = both ? 1 : this->sun_share(state.from_normal);
-    const float sky_share = both ? 1 : 1 - sun_share;
     Rgb light{0, 0, 0};
     if (light_.has_sky())
-        light += light_.sky_radiance(d) * power_heuristic(state.pdf, light_.sky_pdf(d) * sky_share);
+        light += light_.sky_radiance(d) * power_heuristic(state.pdf, light_.sky_pdf(d));
     const float sun_pdf = light_.sun_pdf(d);
     if (sun_pdf > 0)
-        light += light_.sun_radiance(d) * power_heuristic(state.pdf, sun_pdf * sun_share);
+        light += light_.sun_radiance(d) * power_heuristic(state.pdf, sun_pdf);
     add(state, state.throughput * light, state.depth);
 }
 
@@ -143,30 +148,10 @@ bool Integrator::fade_ground(PathState& state, const Hit& hit) const {
     return clear > 0.001f;
 }
 
-/// Share of light samples that go to the sun where only one of sun and sky is asked.
-float Integrator::sun_share(Vec3 normal) const {
-    if (!light_.has_sun())
-        return 0;
-    if (!light_.has_sky())
-        return 1;
-    return dot(normal, light_.sun_direction()) > 0 ? 0.6f : 0.05f;
-}
-
 void Integrator::add_direct_light(PathState& state, const Vertex& vertex, Sampler& sampler) const {
     const Vec2 u_sun = sampler.next_2d(), u_sky = sampler.next_2d();
-    Rgb light{0, 0, 0};
-    if (state.depth <= both_lights_until) {
-        if (light_.has_sun())
-            light += light_from(light_.sample_sun(u_sun), vertex);
-        if (light_.has_sky())
-            light += light_from(light_.sample_sky(u_sky), vertex);
-    } else {
-        const float share = sun_share(vertex.hit.shading_normal);
-        const bool sun = sampler.next_1d() < share;
-        LightSample sample = sun ? light_.sample_sun(u_sun) : light_.sample_sky(u_sky);
-        sample.pdf *= sun ? share : 1 - share;
-        light = light_from(sample, vertex);
-    }
+    const Rgb light =
+        light_from(light_.sample_sun(u_sun), vertex) + light_from(light_.sample_sky(u_sky), vertex);
     add(state, state.throughput * light, state.depth + 1);
 }
 
@@ -185,9 +170,6 @@ Rgb Integrator::light_from(const LightSample& light, const Vertex& vertex) const
 
 /// Draws the next direction and plays Russian roulette; false when the path has ended.
 bool Integrator::scatter(PathState& state, const Vertex& vertex, Sampler& sampler) const {
-    sampler.set_dimension(camera_pairs +
-                          static_cast<std::uint32_t>(state.depth + state.panes) * pairs_per_bounce +
-                          3);
     const Vec2 choice = sampler.next_2d(), u = sampler.next_2d();
     const BsdfSample sample = vertex.bsdf.sample(choice.x, u);
     if (sample.pdf <= 0 || is_black(sample.weight))
@@ -203,7 +185,6 @@ bool Integrator::scatter(PathState& state, const Vertex& vertex, Sampler& sample
         ++state.depth;
         state.seen_by_camera = false;
         state.pdf = sample.pdf;
-        state.from_normal = vertex.hit.shading_normal;
         if (settings_.clamp > 0 && sample.pdf < 10)
             state.roughness_floor = blurred_roughness;
     }

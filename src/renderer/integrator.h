@@ -42,7 +42,6 @@ private:
     void add_direct_light(PathState& state, const Vertex& vertex, Sampler& sampler) const;
     Rgb light_from(const LightSample& light, const Vertex& vertex) const;
     bool scatter(PathState& state, const Vertex& vertex, Sampler& sampler) const;
-    float sun_share(Vec3 normal) const;
     void add(PathState& state, Rgb light, int depth) const;
 
     const Accel& accel_;
@@ -51,7 +50,8 @@ private:
     CameraRays camera_;
     PixelFilter filter_;
     RenderSettings settings_;
-    float fade_distance_; ///< metres over which the ground plane fades into the haze
+    float stepped_back_ = 0; ///< metres by which a parallel camera's rays start behind its eye
+    float fade_distance_;    ///< metres over which the ground plane fades into the haze
 };
 
 } // namespace renderer

@@ -19,7 +19,7 @@ public:
     Vec2 sample(Vec2 u) const { return {sample_axis(u.x), sample_axis(u.y)}; }
 
 private:
-    static constexpr int table_size = 512;
+    static constexpr int table_size = 1024;
     float sample_axis(float u) const;
 
     std::array<float, table_size + 1> inverse_{}; ///< offset over radius at u = i / table_size

@@ -5,6 +5,7 @@
 #include "renderer/integrator.h"
 #include "renderer/sampling.h"
 
+#include <tbb/global_control.h>
 #include <tbb/parallel_for.h>
 #include <tbb/task_arena.h>
 
@@ -48,7 +49,7 @@ void check(const RenderSettings& s) {
         throw std::invalid_argument("render: bounces must number 0 to 1000");
     if (!(s.filter_radius >= 0 && s.filter_radius <= 16))
         throw std::invalid_argument("render: the filter radius must lie between 0 and 16 pixels");
-    if (!(s.max_seconds >= 0) || !(s.clamp >= 0) || s.threads < 0)
+    if (!(s.max_seconds >= 0) || !(s.clamp >= 0) || !(s.clamp_factor >= 0) || s.threads < 0)
         throw std::invalid_argument("render: time limit, clamp and threads must not be negative");
 }
 
@@ -62,19 +63,31 @@ void clear(Film& film, int width, int height) {
     film.albedo.assign(n, {0, 0, 0});
     film.normal.assign(n, {0, 0, 0});
     film.depth.assign(n, 0.0f);
+    film.variance.assign(n, 0.0f);
+    film.samples = 0;
 }
 
 bool has_size(const Film& film, int width, int height) {
     const auto n = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
     return film.width == width && film.height == height && film.radiance.size() == n &&
            film.alpha.size() == n && film.albedo.size() == n && film.normal.size() == n &&
-           film.depth.size() == n;
+           film.depth.size() == n && film.variance.size() == n;
+}
+
+/// As many threads as asked for, 0 being all, but not more than this process may use at once.
+int usable_threads(int asked) {
+    const auto most = static_cast<int>(
+        tbb::global_control::active_value(tbb::global_control::max_allowed_parallelism));
+    return asked > 0 ? std::min(asked, most) : most;
 }
 
 /// Takes a sample into the running means of a pixel. Depth is a mean over what was hit.
 void add_sample(Film& film, std::size_t pixel, const PathResult& path, std::uint32_t before) {
     const float share = 1.0f / (static_cast<float>(before) + 1.0f);
+    const float light = luminance(path.radiance), before_mean = luminance(film.radiance[pixel]);
     film.radiance[pixel] += (path.radiance - film.radiance[pixel]) * share;
+    const float spread = (light - before_mean) * (light - luminance(film.radiance[pixel]));
+    film.variance[pixel] += (spread - film.variance[pixel]) * share; // Welford 1962
     film.albedo[pixel] += (path.albedo - film.albedo[pixel]) * share;
     film.normal[pixel] += (path.normal - film.normal[pixel]) * share;
     film.alpha[pixel] += (path.alpha - film.alpha[pixel]) * share;
@@ -223,9 +236,7 @@ Outcome Renderer::render(const RenderSettings& settings, Film& film,
     const bool resumed = settings.resume && has_size(film, settings.width, settings.height);
     if (!resumed)
         clear(film, settings.width, settings.height);
-    int threads = settings.threads > 0 ? settings.threads : impl_->threads;
-    if (threads <= 0)
-        threads = tbb::this_task_arena::max_concurrency();
+    const int threads = usable_threads(settings.threads > 0 ? settings.threads : impl_->threads);
     tbb::task_arena arena(threads);
     Film working = film; // a pass that is stopped in its midst must leave no trace in the film
     Job job(integrator, settings, working, progress);
@@ -237,6 +248,7 @@ Outcome Renderer::render(const RenderSettings& settings, Film& film,
             return job.outcome();
         }
         working.passes = pass + 1;
+        working.samples = (pass + 1) * settings.samples_per_pass;
         film = working;
         job.set_passes_done(pass + 1);
         if (pass_done)

@@ -25,6 +25,8 @@ enum class Outcome { finished, time_limit, cancelled };
 /// that use them, are left out and counted.
 class Renderer {
 public:
+    /// Copies what it needs of the scene. `threads` is for renders whose settings name none; 0
+    /// means all cores. The tree is built by one thread, see accel.h.
     explicit Renderer(const Scene& scene, int threads = 0);
     ~Renderer();
     Renderer(Renderer&&) noexcept;

@@ -44,38 +44,45 @@ float srgb_encode(float x) {
     return x <= 0.0031308f ? 12.92f * x : 1.055f * std::pow(x, 1 / 2.4f) - 0.055f;
 }
 
-/// Log average of what a middle-grey card would show in each pixel's light; sky counts as it is.
-struct Metering {
-    std::vector<float> values;
-    void add(Rgb radiance, Rgb albedo, float alpha) {
-        const float light = luminance(radiance);
-        if (!(light > 1e-12f) || !std::isfinite(light))
-            return;
-        const float reflectance = std::clamp(luminance(albedo), 0.04f, 1.0f);
-        values.push_back(alpha > 0.5f ? light * middle_grey / reflectance : light * 0.4f);
-    }
-};
+/// What a middle-grey card would show in the light of a pixel; 0 where nothing is to be measured.
+float card_luminance(Rgb radiance, Rgb albedo) {
+    const float light = luminance(radiance);
+    if (!(light > 1e-12f) || !std::isfinite(light))
+        return 0;
+    return light * middle_grey / std::clamp(luminance(albedo), 0.04f, 1.0f);
+}
 
-} // namespace
-
-double automatic_exposure(const Film& film) {
-    Metering metering;
-    metering.values.reserve(film.radiance.size());
-    const bool featured =
-        film.albedo.size() == film.radiance.size() && film.alpha.size() == film.radiance.size();
-    for (std::size_t i = 0; i < film.radiance.size(); ++i)
-        metering.add(film.radiance[i], featured ? film.albedo[i] : Rgb{1, 1, 1} * middle_grey,
-                     featured ? film.alpha[i] : 1.0f);
-    auto& values = metering.values;
-    if (values.empty())
-        return 1;
+/// Half way, in stops, between the log average without its ends and the light of the brighter
+/// parts: shadow may be dark when a good part of the picture lies in the sun.
+double key_luminance(std::vector<float>& values) {
     std::sort(values.begin(), values.end());
     const std::size_t trim = values.size() / 20;
     double sum = 0;
     for (std::size_t i = trim; i < values.size() - trim; ++i)
         sum += std::log(static_cast<double>(values[i]));
-    const double mean = std::exp(sum / static_cast<double>(values.size() - 2 * trim));
-    return std::clamp(middle_grey / mean, 1e-12, 1e12);
+    const double average = sum / static_cast<double>(values.size() - 2 * trim);
+    const double bright = std::log(static_cast<double>(values[values.size() * 85 / 100]));
+    return std::exp(0.5 * (average + bright));
+}
+
+} // namespace
+
+double automatic_exposure(const Film& film) {
+    constexpr double key_target = 0.26; // of the card, before the curve
+    const std::size_t n = film.radiance.size();
+    const bool featured = film.albedo.size() == n && film.alpha.size() == n;
+    std::vector<float> surfaces, sky;
+    for (std::size_t i = 0; i < n; ++i) {
+        const bool surface = featured && film.alpha[i] > 0.5f;
+        const Rgb grey = Rgb{1, 1, 1} * middle_grey;
+        const float card = card_luminance(film.radiance[i], surface ? film.albedo[i] : grey);
+        if (card > 0)
+            (surface ? surfaces : sky).push_back(card);
+    }
+    auto& measured = surfaces.size() > n / 50 ? surfaces : sky;
+    if (measured.empty())
+        return 1;
+    return std::clamp(key_target / key_luminance(measured), 1e-12, 1e12);
 }
 
 namespace {
@@ -87,8 +94,8 @@ public:
       : scale_(static_cast<float>(exposure * std::exp2(4 * (s.brightness - 0.5))))
       , saturation_(static_cast<float>(std::clamp(s.saturation, 0.0, 4.0)))
       , inverse_gamma_(static_cast<float>(1 / std::clamp(s.gamma, 0.1, 10.0)))
-      , curve_(static_cast<float>(1.3 * std::exp2(1.2 * (s.contrast - 0.5))), 0.97f,
-               static_cast<float>(8 * std::exp2(4 * (0.5 - s.burn))), 0.2f) {}
+      , curve_(static_cast<float>(1.35 * std::exp2(1.2 * (s.contrast - 0.5))), 0.97f,
+               static_cast<float>(5 * std::exp2(4 * (0.5 - s.burn))), 0.19f) {}
 
     Rgb operator()(Rgb radiance) const {
         Rgb c = radiance * scale_;
@@ -102,15 +109,15 @@ public:
 private:
     static float usable(float x) { return x > 0 ? std::min(x, 1e6f) : 0; } // NaN becomes 0
 
-    /// Half way between a curve a channel, which bleaches highlights but turns hues, and a curve
-    /// on the largest channel, which keeps hues but never reaches white.
+    /// About half way between a curve a channel, which bleaches highlights but turns hues, and a
+    /// curve on the largest channel, which keeps hues but never reaches white.
     Rgb curve(Rgb c) const {
         const float peak = max_component(c);
         if (peak <= 0)
             return {0, 0, 0};
         const Rgb separate{curve_(c.x), curve_(c.y), curve_(c.z)};
         const Rgb together = c * (curve_(peak) / peak);
-        return lerp(together, separate, 0.6f);
+        return lerp(together, separate, 0.45f);
     }
     Rgb finish(Rgb c) const {
         Rgb out{srgb_encode(clamp01(c.x)), srgb_encode(clamp01(c.y)), srgb_encode(clamp01(c.z))};

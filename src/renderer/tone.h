@@ -25,7 +25,9 @@ struct DisplayImage {
     std::vector<std::uint8_t> rgb;
 };
 
-/// The radiance factor that maps the film's log-average luminance to middle grey.
+/// The radiance factor for a picture in good light. It meters like a hand-held meter: with the
+/// albedo buffer, white walls stay white and dark ones dark; sky counts only where there is little
+/// else. Robust to black and burnt pixels; 1 for a film without light.
 double automatic_exposure(const Film& film);
 
 DisplayImage tone_map(const Film& film, const ToneSettings& settings);

@@ -12,7 +12,7 @@ namespace renderer {
 
 namespace {
 
-constexpr float largest_coordinate = 1e12f; // its square still fits a float
+constexpr float largest_coordinate = 1e9f; // the square of an area still fits a float
 
 bool is_usable(Vec3 p) {
     return std::fabs(p.x) <= largest_coordinate && std::fabs(p.y) <= largest_coordinate &&
@@ -21,6 +21,15 @@ bool is_usable(Vec3 p) {
 
 [[noreturn]] void reject(std::size_t mesh, const std::string& what) {
     throw std::invalid_argument("mesh " + std::to_string(mesh) + ": " + what);
+}
+
+void check_material(const Material& m, std::size_t index) {
+    for (const float value :
+         {m.base_color.x, m.base_color.y, m.base_color.z, m.roughness, m.metallic, m.specular,
+          m.transmission, m.ior, m.emission.x, m.emission.y, m.emission.z})
+        if (!std::isfinite(value))
+            throw std::invalid_argument("material " + std::to_string(index) +
+                                        ": a number is not finite");
 }
 
 void check_mesh(const Scene& scene, std::size_t index) {
@@ -90,6 +99,8 @@ void add_attributes(TriangleSoup& soup, const Scene& scene) {
 TriangleSoup make_triangle_soup(const Scene& scene) {
     constexpr std::size_t most = std::numeric_limits<std::int32_t>::max();
     std::size_t vertices = 0;
+    for (std::size_t i = 0; i < scene.materials.size(); ++i)
+        check_material(scene.materials[i], i);
     for (std::size_t i = 0; i < scene.meshes.size(); ++i) {
         check_mesh(scene, i);
         vertices += scene.meshes[i].positions.size();

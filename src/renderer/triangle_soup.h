@@ -36,12 +36,14 @@ struct TriangleSoup {
     Vec3 low{0, 0, 0}, high{0, 0, 0}; ///< bounds of the kept triangles
 };
 
-/// Gathers and checks the triangles. Throws std::invalid_argument for indices out of range and
-/// for normals or uvs that do not number one a position.
+/// Gathers the triangles and checks meshes and materials. Throws std::invalid_argument for indices
+/// out of range, numbers of a material that are not finite, and normals or uvs that are not one a
+/// position.
 TriangleSoup make_triangle_soup(const Scene& scene);
 
 /// Marks the triangles that lie in one plane with and overlap a triangle of a mesh that looks
-/// different. Takes n log n time; `extra` are further triangles tested against both lists.
-void mark_coplanar_triangles(TriangleSoup& soup, const std::vector<Material>& materials);
+/// different: another material, or normals of its own. Takes about n log n time on all cores.
+/// `materials` is the number of materials of the scene.
+void mark_coplanar_triangles(TriangleSoup& soup, std::size_t materials);
 
 } // namespace renderer

@@ -140,6 +140,12 @@ public:
     void SetLightBalance(double scale) { m_Render.m_LightBalance = scale; }
     double GetLightBalance() const { return m_Render.m_LightBalance; }
 
+    /// Running maximum of the lighting channels in use; not part of the file.
+    int m_HighestChannel = 0;
+    void RaiseHighestChannel(int channel) {
+        m_HighestChannel = channel > m_HighestChannel ? channel : m_HighestChannel;
+    }
+
     CTsView m_View;
 
     /// Adds the root element `TsDoc` to the writer. Materials are written by name, in full.
@@ -152,5 +158,5 @@ private:
     std::vector<CTsMatrix> m_ModelToWorld{1};
     std::vector<CTsMatrix> m_WorldToModel{1};
     std::function<bool(int)> m_NotifyPort;
-    CTsXmlRest m_Rest;
+    CTsXmlRest m_Rest, m_MaterialsRest;
 };

@@ -9,6 +9,8 @@
 struct CTsMaterial {
     std::string m_Name;
     CTsColor m_Color{0.7, 0.7, 0.7};
+    /// The colour stands for nothing: what wears the material keeps its own colour.
+    bool m_UsesObjectColor = false;
     double m_Reflection = 0;   ///< 0 to 1
     double m_Sharpness = 0;    ///< of the reflection: 0 rough to 1 mirror
     double m_Transparency = 0; ///< 0 to 1

@@ -51,7 +51,7 @@ public:
 
 private:
     static std::size_t Index(int row, int column) {
-        return static_cast<std::size_t>(4 * row + column);
+        return 4 * static_cast<std::size_t>(row) + static_cast<std::size_t>(column);
     }
     std::array<double, 16> m;
 };

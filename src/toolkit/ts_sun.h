@@ -21,7 +21,8 @@ CTsSunPosition TsSolarPosition(int year, int day, double minutes, double zone, d
 class CTsSun {
 public:
     /// Makes the derived state valid. The position comes from date, time, zone and place unless
-    /// bit 0 of the flags is set or azimuth or altitude were set after them. A longitude that lies
+    /// bit 0 of the flags is set, azimuth or altitude were set after them, or no date is known. A
+    /// longitude that lies
     /// more than 75 degrees off its time zone while its mirror image lies nearer is taken as west
     /// of Greenwich: settings hold longitudes as magnitudes.
     void Init();

@@ -77,6 +77,21 @@ TEST(StreamReader, BlocksNestAndMeshesWithoutFacesLeaveNothing) {
     EXPECT_EQ(model.names[model.blocks[inner.parent].name], "outer");
 }
 
+TEST(StreamReader, NumbersMayBeLeftOut) {
+    const std::string text = "MESH;\nVERT;(0,0, 0)\nADDV;0\nNORM;(0,0,1)\nVERT;(1,0, 0)\nADDV;1\n"
+                             "NORM;(0,1,0)\nVERT;(1,1, 0)\nADDV;3\nFACE;0,1,3\nEMSH;\nEND;\n";
+    WarningList warnings;
+    StreamModel model;
+    const StreamSummary summary = read_stream(text, "s", model, warnings);
+    EXPECT_EQ(summary.vertices, 4u);
+    EXPECT_EQ(model.non_finite_vertices, 0u);
+    ASSERT_EQ(model.positions.size(), 4u);
+    ASSERT_EQ(model.normals.size(), 4u);
+    EXPECT_EQ(model.positions[3].y, 1);
+    EXPECT_EQ(model.normals[1][2], 1);
+    EXPECT_EQ(model.normals[3][1], 1);
+}
+
 TEST(StreamReader, DamageIsAnErrorWithItsLine) {
     struct Case {
         const char* from;
@@ -97,7 +112,9 @@ TEST(StreamReader, DamageIsAnErrorWithItsLine) {
          "s(25): FACE needs three vertex indices 'a,b,c', not '0,1,-2'"},
         {"FACE;0,1,2", "FACE;0,1,4294967296",
          "s(25): FACE needs three vertex indices 'a,b,c', not '0,1,4294967296'"},
-        {"ADDV;1", "ADDV;2", "s(22): ADDV;2 is out of order; the next is 1"},
+        {"ADDV;1", "ADDV;4", "s(22): ADDV;4 is out of order; the next is 1"},
+        {"ADDV;1", "ADDV;0", "s(22): ADDV;0 is out of order; the next is 1"},
+        {"ADDV;2", "ADDV;3", "s(25): FACE uses vertex 2, which no ADDV gave"},
         {"ADDV;1", "ADDV;-1", "s(22): ADDV;-1 is out of order; the next is 1"},
         {"VERT;(1,0, 0)\n", "", "s(21): ADDV without a VERT before it"},
         {"ADDV;1\n", "", "s(22): VERT again before the ADDV of line 21"},

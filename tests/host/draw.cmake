@@ -2,6 +2,7 @@ qorvane_test(test_host_draw
   SOURCES
     draw/blocks_test.cpp
     draw/commands_test.cpp
+    draw/drawings_test.cpp
     draw/entities_test.cpp
     draw/extents_test.cpp
     draw/fallback_test.cpp

@@ -40,8 +40,8 @@ Acad::ErrorStatus extrudedExtents(bool drawable, AcDbExtents box, const AcGeVect
     return draw::giveExtents(box, extents);
 }
 
-const char* reasonWithout(double thickness) {
-    return thickness == 0 ? draw::kNoThickness : nullptr;
+const char* reasonWithout(double thickness, bool drawable) {
+    return thickness == 0 ? draw::kNoThickness : drawable ? nullptr : draw::kDegenerate;
 }
 
 gi::Arc arcOf(const AcDbArc& arc) {
@@ -108,7 +108,10 @@ Acad::ErrorStatus AcDbLine::getGeomExtents(AcDbExtents& extents) const {
                            normal_, thickness_, extents);
 }
 
-const char* AcDbLine::notRenderedReason() const { return reasonWithout(thickness_); }
+const char* AcDbLine::notRenderedReason() const {
+    return reasonWithout(thickness_, isDrawable(start_, normal_, 1, thickness_) &&
+                                         gi::isFinite(end_) && !start_.isEqualTo(end_));
+}
 
 std::uint32_t AcDbLine::setAttributes(AcGiDrawableTraits* traits) {
     const std::uint32_t flags = AcDbEntity::setAttributes(traits);
@@ -162,7 +165,9 @@ Acad::ErrorStatus AcDbCircle::getGeomExtents(AcDbExtents& extents) const {
     return extrudedExtents(true, box, normal, thickness_, extents);
 }
 
-const char* AcDbCircle::notRenderedReason() const { return reasonWithout(thickness_); }
+const char* AcDbCircle::notRenderedReason() const {
+    return reasonWithout(thickness_, isDrawable(center_, normal_, radius_, thickness_));
+}
 
 std::uint32_t AcDbCircle::setAttributes(AcGiDrawableTraits* traits) {
     const std::uint32_t flags = AcDbEntity::setAttributes(traits);
@@ -192,7 +197,10 @@ Acad::ErrorStatus AcDbArc::getGeomExtents(AcDbExtents& extents) const {
     return extrudedExtents(true, box, normal_, thickness_, extents);
 }
 
-const char* AcDbArc::notRenderedReason() const { return reasonWithout(thickness_); }
+const char* AcDbArc::notRenderedReason() const {
+    return reasonWithout(thickness_, isDrawable(center_, normal_, radius_, thickness_) &&
+                                         gi::isFinite(sweep()));
+}
 
 std::uint32_t AcDbArc::setAttributes(AcGiDrawableTraits* traits) {
     const std::uint32_t flags = AcDbEntity::setAttributes(traits);

@@ -9,7 +9,9 @@
 
 namespace draw {
 
+/// Codes of reasons why nothing is rendered.
 inline constexpr const char* kNoThickness = "curve-without-thickness";
+inline constexpr const char* kDegenerate = "degenerate"; ///< no area, no faces, unusable numbers
 
 /// The unit normal; world Z for one without length.
 inline AcGeVector3d unitNormal(const AcGeVector3d& normal) {

@@ -87,6 +87,11 @@ Acad::ErrorStatus AcDbFace::getGeomExtents(AcDbExtents& extents) const {
     return draw::giveExtents(box, extents);
 }
 
+const char* AcDbFace::notRenderedReason() const {
+    const bool drawable = gi::isFinite(points_) && outlineOf(points_, edges_).count >= 3;
+    return drawable ? nullptr : draw::kDegenerate;
+}
+
 bool AcDbFace::worldDraw(AcGiWorldDraw* draw) {
     if (!gi::isFinite(points_)) {
         return true;
@@ -110,6 +115,11 @@ Acad::ErrorStatus AcDbSolid::getGeomExtents(AcDbExtents& extents) const {
     }
     draw::extrude(box, draw::unitNormal(normal_) * thickness_);
     return draw::giveExtents(box, extents);
+}
+
+const char* AcDbSolid::notRenderedReason() const {
+    const bool drawable = isFinite(*this) && outlineOf(worldCorners(*this), 0).count >= 3;
+    return drawable ? nullptr : draw::kDegenerate;
 }
 
 std::uint32_t AcDbSolid::setAttributes(AcGiDrawableTraits* traits) {

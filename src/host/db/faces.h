@@ -19,6 +19,7 @@ public:
     void setInvisibleEdges(std::uint8_t edges) { edges_ = edges; }
 
     Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
+    const char* notRenderedReason() const override;
     bool worldDraw(AcGiWorldDraw* draw) override;
     void dxfIn(const dxf::ObjectTags& tags) override;
     void dxfOut(dxf::TagWriter& writer) const override;
@@ -41,6 +42,7 @@ public:
     void setThickness(double t) { thickness_ = t; }
 
     Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
+    const char* notRenderedReason() const override;
     std::uint32_t setAttributes(AcGiDrawableTraits* traits) override;
     bool worldDraw(AcGiWorldDraw* draw) override;
     void dxfIn(const dxf::ObjectTags& tags) override;
@@ -74,6 +76,7 @@ public:
     void setCreases(std::vector<std::int32_t> edges, std::vector<double> creases);
 
     Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
+    const char* notRenderedReason() const override;
     bool worldDraw(AcGiWorldDraw* draw) override;
     void dxfIn(const dxf::ObjectTags& tags) override;
     void dxfOut(dxf::TagWriter& writer) const override;

@@ -83,28 +83,100 @@ bool normalizeAll(std::vector<AcGeVector3d>& normals) {
     return true;
 }
 
+/// What of a heavy polyline's vertices makes a grid, as the mesh's header says.
+struct GridSource {
+    std::int32_t flags, m, n, m_density, n_density;
+};
+
+/// The grid that is drawn: the smooth one when its size is right, else the frame; empty when
+/// neither can be drawn.
+Grid drawnGrid(const std::vector<AcDbHeavyVertex>& vertices, const GridSource& source,
+               bool& is_smooth) {
+    std::vector<AcGePoint3d> frame;
+    std::vector<AcGePoint3d> smooth;
+    for (const AcDbHeavyVertex& vertex : vertices) {
+        const bool is_frame = (source.flags & kSmooth) == 0 || (vertex.flags & kFrame) != 0;
+        (is_frame ? frame : smooth).push_back(vertex.point);
+    }
+    Grid open = gridOf(std::move(smooth), source.m_density, source.n_density);
+    is_smooth = !open.points.empty();
+    if (!is_smooth) {
+        open = gridOf(std::move(frame), source.m, source.n);
+    }
+    if (open.points.empty() || !gi::isFinite(open.points)) {
+        return {};
+    }
+    return closeGrid(open, (source.flags & kClosedM) != 0, (source.flags & kClosedN) != 0);
+}
+
+/// A shell in the making.
+struct Shell {
+    std::vector<AcGePoint3d> points;
+    std::vector<std::int32_t> faces;
+    std::vector<std::uint8_t> visible; ///< edges, face after face
+};
+
+bool isFaceRecord(const AcDbHeavyVertex& vertex) {
+    return (vertex.flags & kFace) != 0 && (vertex.flags & kPoint) == 0;
+}
+
+/// Appends a face record; corners that name no usable point are left out, and the face with them
+/// when fewer than three are left. `places` leads from numbers in the file to points.
+void addFace(Shell& shell, const std::array<std::int32_t, 4>& face,
+             const std::vector<std::int32_t>& places) {
+    const std::size_t start = shell.faces.size();
+    shell.faces.push_back(0);
+    for (const std::int32_t corner : face) {
+        const auto number = static_cast<std::uint64_t>(std::abs(std::int64_t{corner}));
+        if (number >= 1 && number <= places.size() && places[number - 1] >= 0) {
+            shell.faces.push_back(places[number - 1]);
+            shell.visible.push_back(corner > 0 ? 1 : 0);
+        }
+    }
+    const std::size_t corners = shell.faces.size() - start - 1;
+    shell.faces[start] = static_cast<std::int32_t>(corners);
+    if (corners < 3) {
+        shell.faces.resize(start);
+        shell.visible.resize(shell.visible.size() - corners);
+    }
+}
+
+Shell shellOf(const std::vector<AcDbHeavyVertex>& vertices) {
+    Shell shell;
+    std::vector<std::int32_t> places; // -1 for points that are not finite
+    for (const AcDbHeavyVertex& vertex : vertices) {
+        if (!isFaceRecord(vertex)) {
+            const bool usable = gi::isFinite(vertex.point);
+            places.push_back(usable ? static_cast<std::int32_t>(shell.points.size()) : -1);
+            if (usable) {
+                shell.points.push_back(vertex.point);
+            }
+        }
+    }
+    for (const AcDbHeavyVertex& vertex : vertices) {
+        if (isFaceRecord(vertex)) {
+            addFace(shell, vertex.face, places);
+        }
+    }
+    return shell;
+}
+
 } // namespace
 
 // ---- AcDbPolygonMesh
 
-const char* AcDbPolygonMesh::notRenderedReason() const { return nullptr; }
+const char* AcDbPolygonMesh::notRenderedReason() const {
+    bool is_smooth = false;
+    const Grid grid = drawnGrid(vertices_, {flags_, m_, n_, m_density_, n_density_}, is_smooth);
+    return grid.rows > 1 && grid.columns > 1 ? nullptr : draw::kDegenerate;
+}
 
 bool AcDbPolygonMesh::worldDraw(AcGiWorldDraw* draw) {
-    std::vector<AcGePoint3d> frame;
-    std::vector<AcGePoint3d> smooth;
-    for (const AcDbHeavyVertex& vertex : vertices_) {
-        const bool is_frame = (flags_ & kSmooth) == 0 || (vertex.flags & kFrame) != 0;
-        (is_frame ? frame : smooth).push_back(vertex.point);
-    }
-    Grid open = gridOf(std::move(smooth), m_density_, n_density_);
-    const bool is_smooth = !open.points.empty();
-    if (!is_smooth) {
-        open = gridOf(std::move(frame), m_, n_);
-    }
-    if (open.points.empty() || !gi::isFinite(open.points)) {
+    bool is_smooth = false;
+    const Grid grid = drawnGrid(vertices_, {flags_, m_, n_, m_density_, n_density_}, is_smooth);
+    if (grid.points.empty()) {
         return true;
     }
-    const Grid grid = closeGrid(open, (flags_ & kClosedM) != 0, (flags_ & kClosedN) != 0);
     std::vector<AcGeVector3d> normals;
     if (is_smooth) {
         normals = gridNormals(grid);
@@ -133,45 +205,14 @@ void AcDbPolyFaceMesh::appendFace(const std::array<std::int32_t, 4>& face) {
     vertices_.push_back(record);
 }
 
+const char* AcDbPolyFaceMesh::notRenderedReason() const {
+    return shellOf(vertices_).faces.empty() ? draw::kDegenerate : nullptr;
+}
+
 bool AcDbPolyFaceMesh::worldDraw(AcGiWorldDraw* draw) {
-    // One-based numbers in the file to places in the list that is drawn; -1 for unusable points.
-    std::vector<std::int32_t> places;
-    std::vector<AcGePoint3d> points;
-    std::vector<std::int32_t> faces;
-    std::vector<std::uint8_t> visible;
-    for (const AcDbHeavyVertex& vertex : vertices_) {
-        if (isDrawn(vertex)) {
-            const bool usable = gi::isFinite(vertex.point);
-            places.push_back(usable ? static_cast<std::int32_t>(points.size()) : -1);
-            if (usable) {
-                points.push_back(vertex.point);
-            }
-        }
-    }
-    for (const AcDbHeavyVertex& vertex : vertices_) {
-        if (isDrawn(vertex)) {
-            continue;
-        }
-        const std::size_t start = faces.size();
-        faces.push_back(0);
-        for (const std::int32_t corner : vertex.face) {
-            const std::int64_t number = std::abs(std::int64_t{corner});
-            if (number < 1 || number > static_cast<std::int64_t>(places.size()) ||
-                places[static_cast<std::size_t>(number - 1)] < 0) {
-                continue;
-            }
-            faces.push_back(places[static_cast<std::size_t>(number - 1)]);
-            visible.push_back(corner > 0 ? 1 : 0);
-        }
-        const std::size_t corners = faces.size() - start - 1;
-        faces[start] = static_cast<std::int32_t>(corners);
-        if (corners < 3) {
-            faces.resize(start);
-            visible.resize(visible.size() - corners);
-        }
-    }
-    if (!faces.empty()) {
-        gi::shell(draw, points, faces, visible.data());
+    const Shell shell = shellOf(vertices_);
+    if (!shell.faces.empty()) {
+        gi::shell(draw, shell.points, shell.faces, shell.visible.data());
     }
     return true;
 }

@@ -131,25 +131,27 @@ Acad::ErrorStatus AcDbPolyline::getGeomExtents(AcDbExtents& extents) const {
         getPointAt(i, point);
         box.addPoint(point);
         AcGeCircArc3d arc;
-        AcGeLineSeg3d line;
         if (getArcSegAt(i, arc) == Acad::eOk) {
             for (const double radius : {arc.radius + half, std::max(arc.radius - half, 0.0)}) {
                 draw::addArc(box, gi::Arc{arc.center, radius, arc.normal, arc.start, arc.sweep});
             }
-        } else if (half > 0 && getLineSegAt(i, line) == Acad::eOk) {
-            const AcGeVector3d left = normal.crossProduct(line.end - line.start).normal();
-            for (const double side : {0.5, -0.5}) {
-                box.addPoint(line.start + left * (side * vertex.start_width));
-                box.addPoint(line.end + left * (side * vertex.end_width));
-            }
         }
+    }
+    for (const AcGePoint3d& p : gi::plineRails(*this)) {
+        box.addPoint(p);
     }
     draw::extrude(box, normal * thickness_);
     return draw::giveExtents(box, extents);
 }
 
 const char* AcDbPolyline::notRenderedReason() const {
-    return thickness_ != 0 || hasWidth(*this) ? nullptr : draw::kNoThickness;
+    if (thickness_ == 0 && !hasWidth(*this)) {
+        return draw::kNoThickness;
+    }
+    const bool has_length = std::any_of(vertices_.begin(), vertices_.end(), [&](const Vertex& v) {
+        return !v.point.isEqualTo(vertices_.front().point);
+    });
+    return has_length && isFinite(*this) ? nullptr : draw::kDegenerate;
 }
 
 std::uint32_t AcDbPolyline::setAttributes(AcGiDrawableTraits* traits) {
@@ -190,6 +192,10 @@ Acad::ErrorStatus AcDbHeavyPolyline::getGeomExtents(AcDbExtents& extents) const 
 void AcDb2dPolyline::convertTo(AcDbPolyline& polyline) const {
     double elevation = elevation_;
     bool first = true;
+    // Vertices without widths of their own take those of the polyline.
+    const bool own_widths = std::any_of(vertices_.begin(), vertices_.end(), [](const auto& v) {
+        return v.start_width != 0 || v.end_width != 0;
+    });
     for (const AcDbHeavyVertex& vertex : vertices_) {
         if (!isDrawn(vertex)) {
             continue;
@@ -200,8 +206,9 @@ void AcDb2dPolyline::convertTo(AcDbPolyline& polyline) const {
         first = false;
         // Segments of a spline are straight, whatever the bulges of its vertices say.
         polyline.addVertex({vertex.point.x, vertex.point.y},
-                           (flags_ & kSplineFit) != 0 ? 0 : vertex.bulge, vertex.start_width,
-                           vertex.end_width);
+                           (flags_ & kSplineFit) != 0 ? 0 : vertex.bulge,
+                           own_widths ? vertex.start_width : start_width_,
+                           own_widths ? vertex.end_width : end_width_);
     }
     polyline.setElevation(elevation);
     polyline.setThickness(thickness_);

@@ -153,5 +153,6 @@ public:
     /// Appends a point, or a face of one-based indices (0 for none, negative: invisible edge).
     void appendVertex(const AcGePoint3d& point);
     void appendFace(const std::array<std::int32_t, 4>& face);
+    const char* notRenderedReason() const override;
     bool worldDraw(AcGiWorldDraw* draw) override;
 };

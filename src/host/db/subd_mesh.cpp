@@ -7,8 +7,10 @@ ACRX_DXF_DEFINE_MEMBERS(AcDbSubDMesh, AcDbEntity, "MESH")
 
 namespace {
 
-/// Faces that one mesh is smoothed to at most, for drawing and for its box.
+/// Faces that one mesh is smoothed to at most: for drawing, without creases and, as these take
+/// more memory, with, and for its box.
 constexpr std::size_t kMostDrawn = 4'000'000;
+constexpr std::size_t kMostCreased = 1'000'000;
 constexpr std::size_t kMostMeasured = 65'536;
 
 subd::Mesh smoothed(const AcDbSubDMesh& mesh, std::size_t most_faces) {
@@ -45,8 +47,13 @@ Acad::ErrorStatus AcDbSubDMesh::getGeomExtents(AcDbExtents& extents) const {
     return draw::giveExtents(box, extents);
 }
 
+const char* AcDbSubDMesh::notRenderedReason() const {
+    const subd::Mesh mesh = subd::makeMesh(vertices_, face_list_, {}, {});
+    return mesh.faceCount() > 0 ? nullptr : draw::kDegenerate;
+}
+
 bool AcDbSubDMesh::worldDraw(AcGiWorldDraw* draw) {
-    subd::Mesh mesh = smoothed(*this, kMostDrawn);
+    subd::Mesh mesh = smoothed(*this, creases_.empty() ? kMostDrawn : kMostCreased);
     const std::vector<AcGeVector3d> normals =
         level_ > 0 ? subd::smoothNormals(mesh) : std::vector<AcGeVector3d>();
     if (mesh.faceCount() == 0 || !gi::isFinite(mesh.points)) {

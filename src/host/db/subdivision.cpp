@@ -18,6 +18,7 @@ struct Edge {
     std::uint32_t a = 0, b = 0; ///< vertices, a < b
     std::uint32_t faces = 0;    ///< how many meet here
     std::uint32_t face[2] = {kNone, kNone};
+    std::uint32_t corner[2] = {kNone, kNone}; ///< where it begins in each face
     double sharpness = 0;
 };
 
@@ -59,6 +60,7 @@ Edges findEdges(const Mesh& mesh) {
         Edge& edge = edges.list.back();
         if (edge.faces < 2) {
             edge.face[edge.faces] = halves[i].face;
+            edge.corner[edge.faces] = halves[i].corner;
         }
         ++edge.faces;
         edges.of_corner[halves[i].corner] = static_cast<std::uint32_t>(edges.list.size() - 1);
@@ -211,12 +213,14 @@ private:
     std::vector<std::uint32_t> parent_;
 };
 
-std::uint32_t cornerAt(const Mesh& mesh, std::uint32_t face, std::uint32_t vertex) {
-    std::uint32_t c = mesh.starts[face];
-    while (mesh.corners[c] != vertex) {
-        ++c;
+/// The corner at `vertex`, an end of the edge, in the edge's first or second face.
+std::uint32_t cornerAt(const Mesh& mesh, const Edge& edge, int side, std::uint32_t vertex) {
+    const std::uint32_t begin = edge.corner[side];
+    if (mesh.corners[begin] == vertex) {
+        return begin;
     }
-    return c;
+    const std::uint32_t face = edge.face[side];
+    return begin + 1 < mesh.starts[face + 1] ? begin + 1 : mesh.starts[face];
 }
 
 /// Gives each group of corners round a vertex a point of its own.
@@ -228,7 +232,7 @@ void splitAtSharpEdges(Mesh& mesh) {
             continue;
         }
         for (const std::uint32_t end : {edge.a, edge.b}) {
-            groups.join(cornerAt(mesh, edge.face[0], end), cornerAt(mesh, edge.face[1], end));
+            groups.join(cornerAt(mesh, edge, 0, end), cornerAt(mesh, edge, 1, end));
         }
     }
     std::vector<AcGePoint3d> points;

@@ -46,8 +46,9 @@ std::string_view firstCharacters(std::string_view text, std::size_t count) {
 
 bool isCapital(char c) { return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'); }
 
-/// The capitals of a keyword, which abbreviate it: "LT" of "LType". Without any, all of it.
-std::string abbreviation(std::string_view keyword) {
+/// An answer (in capitals) means a keyword when it is the keyword's capitals, "X" for "eXit", or a
+/// beginning of it that reaches their end. A keyword without capitals is typed in full.
+bool meansKeyword(const std::string& answer, std::string_view keyword) {
     std::size_t begin = 0;
     while (begin < keyword.size() && !isCapital(keyword[begin])) {
         ++begin;
@@ -56,15 +57,9 @@ std::string abbreviation(std::string_view keyword) {
     while (end < keyword.size() && isCapital(keyword[end])) {
         ++end;
     }
-    return ed::upper(begin == end ? keyword : keyword.substr(begin, end - begin));
-}
-
-/// An answer means a keyword when it is its abbreviation, or a beginning of it that is no shorter.
-bool meansKeyword(const std::string& answer, std::string_view keyword) {
     const std::string whole = ed::upper(keyword);
-    const std::string shortest = abbreviation(keyword);
-    return answer == shortest ||
-           (answer.size() >= shortest.size() && whole.compare(0, answer.size(), answer) == 0);
+    return (begin < end && answer == keyword.substr(begin, end - begin)) ||
+           (answer.size() >= end && whole.compare(0, answer.size(), answer) == 0);
 }
 
 /// The keyword that an answer means, if any. Words behind one that begins with an underscore are

@@ -60,5 +60,7 @@ bool mesh(AcGiWorldDraw* draw, std::uint32_t rows, std::uint32_t columns,
 /// pline, or its segments: lines and arcs where it has no width, quadrilaterals or, with
 /// thickness, a solid body where it has.
 bool pline(AcGiWorldDraw* draw, const AcDbPolyline& polyline);
+/// Points along both sides of its segments that have a width, mitred corners included.
+std::vector<AcGePoint3d> plineRails(const AcDbPolyline& polyline);
 
 } // namespace gi

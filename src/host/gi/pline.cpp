@@ -14,10 +14,18 @@ struct Station {
     AcGePoint3d center;
     AcGeVector3d left; ///< unit, in the plane
     double width = 0;
-    double stretch = 1; ///< of the half width, where a mitre makes it longer
+    double stretch = 1;  ///< of the half width, where a mitre makes it longer
+    bool joined = false; ///< to the next band: no cap stands here
     AcGePoint3d rail(double side) const { return center + left * (side * width * stretch / 2); }
 };
 using Band = std::vector<Station>;
+
+bool isThin(const AcDbPolyline& polyline, std::uint32_t index) {
+    double from = 0;
+    double to = 0;
+    polyline.getWidthsAt(index, from, to);
+    return from == 0 && to == 0;
+}
 
 /// Stations of the segment from vertex `index`; none when the segment has no length.
 Band makeBand(const AcDbPolyline& polyline, std::uint32_t index, const AcGeVector3d& normal,
@@ -58,12 +66,13 @@ void mitre(Station& end, Station& start) {
     end.left = start.left = sum / length;
     // The mitre's half angle has cosine length / 2.
     end.stretch = start.stretch = 2 / length;
+    end.joined = start.joined = true;
 }
 
 /// The faces of a band: one quadrilateral a step, or with an extrusion the whole body.
 class BandShell {
 public:
-    void add(const Band& band, const AcGeVector3d& extrusion, bool cap_start, bool cap_end) {
+    void add(const Band& band, const AcGeVector3d& extrusion) {
         const bool solid = extrusion.lengthSqrd() > 0;
         const auto first = static_cast<std::int32_t>(points.size());
         const std::int32_t stride = solid ? 4 : 2;
@@ -87,10 +96,10 @@ public:
             face(a + 1, b + 1, b + 3, a + 3); // right side
             face(a + 2, b + 2, b, a);         // left side
         }
-        if (solid && cap_start) {
+        if (solid && !band.front().joined) {
             face(first, first + 1, first + 3, first + 2);
         }
-        if (solid && cap_end) {
+        if (solid && !band.back().joined) {
             face(last + 2, last + 3, last + 1, last);
         }
     }
@@ -119,65 +128,70 @@ void thinSegment(AcGiWorldDraw* draw, const AcDbPolyline& polyline, std::uint32_
     }
 }
 
-/// Mitres the corners between bands that stand next to each other.
-void joinBands(std::vector<Band>& bands, bool closed) {
-    const std::size_t count = bands.size();
-    for (std::size_t i = 0; i + (closed ? 0 : 1) < count; ++i) {
-        Band& here = bands[i];
-        Band& next = bands[(i + 1) % count];
-        if (!here.empty() && !next.empty() && &here != &next &&
-            here.back().center.isEqualTo(next.front().center)) {
-            mitre(here.back(), next.front());
+/// The bands of all segments that have a width, with mitred corners where two of them meet, at
+/// the seam of a closed polyline too.
+std::vector<Band> makeBands(const AcDbPolyline& polyline, const AcGeVector3d& normal,
+                            double deviation) {
+    std::vector<Band> bands;
+    for (std::uint32_t i = 0; i < polyline.numVerts(); ++i) {
+        if (!isThin(polyline, i)) {
+            bands.push_back(makeBand(polyline, i, normal, deviation));
         }
     }
+    // Vertices in one place make no segment; their neighbours meet.
+    std::erase_if(bands, [](const Band& band) { return band.empty(); });
+    for (std::size_t i = 0; i < bands.size(); ++i) {
+        Band& next = bands[(i + 1) % bands.size()];
+        if (&bands[i] != &next && bands[i].back().center.isEqualTo(next.front().center)) {
+            mitre(bands[i].back(), next.front());
+        }
+    }
+    return bands;
 }
 
-bool hasStation(const Band& band, bool at_end) {
-    const Station& station = at_end ? band.back() : band.front();
-    return station.stretch != 1;
+AcGeVector3d unitNormal(const AcDbPolyline& polyline) {
+    return polyline.normal().isZeroLength() ? AcGeVector3d::kZAxis : polyline.normal().normal();
 }
 
 } // namespace
 
 bool pline(AcGiWorldDraw* draw, const AcDbPolyline& polyline) {
-    if (draw->geometry().pline(polyline)) {
+    if (polyline.numVerts() == 0 || draw->geometry().pline(polyline)) {
         return true;
     }
-    AcGeVector3d normal =
-        polyline.normal().isZeroLength() ? AcGeVector3d::kZAxis : polyline.normal().normal();
-    const AcGeVector3d extrusion = normal * polyline.thickness();
-    std::vector<Band> bands(polyline.numVerts());
+    const AcGeVector3d normal = unitNormal(polyline);
     for (std::uint32_t i = 0; i < polyline.numVerts(); ++i) {
-        double from = 0;
-        double to = 0;
-        polyline.getWidthsAt(i, from, to);
-        if (from == 0 && to == 0) {
+        if (isThin(polyline, i)) {
             thinSegment(draw, polyline, i, normal);
-        } else {
-            AcGePoint3d point;
-            polyline.getPointAt(i, point);
-            bands[i] = makeBand(polyline, i, normal, draw->deviation(kAcGiMaxDevForCurve, point));
         }
     }
-    // Vertices in one place make no segment; their neighbours meet.
-    std::erase_if(bands, [](const Band& band) { return band.empty(); });
-    joinBands(bands, polyline.isClosed());
+    AcGePoint3d start;
+    polyline.getPointAt(0, start);
     BandShell body;
-    for (const Band& band : bands) {
-        body.add(band, extrusion, !hasStation(band, false), !hasStation(band, true));
+    for (const Band& band :
+         makeBands(polyline, normal, draw->deviation(kAcGiMaxDevForCurve, start))) {
+        body.add(band, normal * polyline.thickness());
     }
-    if (bands.size() == 1 && body.faces.size() == 5) {
-        const std::vector<std::int32_t>& f = body.faces;
-        const AcGePoint3d corners[] = {body.points[static_cast<std::size_t>(f[1])],
-                                       body.points[static_cast<std::size_t>(f[2])],
-                                       body.points[static_cast<std::size_t>(f[3])],
-                                       body.points[static_cast<std::size_t>(f[4])]};
-        return polygon(draw, corners);
-    }
-    if (!body.faces.empty()) {
+    if (body.faces.size() == 5) { // one quadrilateral
+        std::vector<AcGePoint3d> corners;
+        for (std::size_t i = 1; i < 5; ++i) {
+            corners.push_back(body.points[static_cast<std::size_t>(body.faces[i])]);
+        }
+        polygon(draw, corners);
+    } else if (!body.faces.empty()) {
         shell(draw, body.points, body.faces);
     }
     return true;
+}
+
+std::vector<AcGePoint3d> plineRails(const AcDbPolyline& polyline) {
+    std::vector<AcGePoint3d> points;
+    for (const Band& band : makeBands(polyline, unitNormal(polyline), 0)) {
+        for (const Station& station : band) {
+            points.insert(points.end(), {station.rail(1), station.rail(-1)});
+        }
+    }
+    return points;
 }
 
 } // namespace gi

@@ -192,11 +192,11 @@ std::string get_settings_folder() { return made(platform::config_folder() / "qor
 std::string get_state_folder() { return made(platform::state_folder() / "qorvane"); }
 
 std::string get_documents_folder() {
-    const std::string documents = platform::documents_folder().string();
+    std::string documents = platform::documents_folder().string();
     if (folder_exists(documents)) {
         return documents;
     }
-    const std::string data = get_application_data_folder();
+    std::string data = get_application_data_folder();
     return data.empty() ? get_temporary_directory() : data;
 }
 

@@ -12,10 +12,8 @@ class cl_matrix {
 public:
     cl_matrix(); ///< the identity
 
-    double& at(int row, int column) { return values[static_cast<std::size_t>(4 * row + column)]; }
-    double at(int row, int column) const {
-        return values[static_cast<std::size_t>(4 * row + column)];
-    }
+    double& at(int row, int column) { return values[index(row, column)]; }
+    double at(int row, int column) const { return values[index(row, column)]; }
     bool operator==(const cl_matrix&) const = default;
 
     /// The frame with the given origin, X axis along `x`, and `y` fixing the plane. False, with the
@@ -49,6 +47,9 @@ public:
     bool from_text(std::string_view text);
 
 private:
+    static std::size_t index(int row, int column) {
+        return 4 * static_cast<std::size_t>(row) + static_cast<std::size_t>(column);
+    }
     bool frame_axes(const fpt& x, const fpt& y, bool inverse, int report_level, fpt axes[3]) const;
 
     std::array<double, 16> values;

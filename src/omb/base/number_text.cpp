@@ -2,6 +2,7 @@
 // bits for k up to 27, and v * 10^k = (m * 5^k) * 2^(e + k) is known to the last bit.
 #include "omb/base/number_text.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <charconv>
@@ -89,7 +90,7 @@ char* put_decimal(char* out, std::uint32_t nine, int power) {
         return out + used + 1;
     }
     if (power < 0 && power >= -4) {
-        std::memcpy(out, "0.0000", 6);
+        std::copy_n("0.0000", 6, out);
         std::memcpy(out + 1 - power, text, static_cast<std::size_t>(digits));
         return out + 1 - power + used;
     }

@@ -38,6 +38,7 @@ std::int32_t parse_int(std::string_view text);
 std::uint32_t parse_hex(std::string_view text);
 
 /// Leading floating-point number with a decimal point, whatever the locale; no number gives 0.0.
+/// What is too large becomes the largest finite value; the words inf and nan are no numbers.
 double parse_double(std::string_view text);
 
 /// Reads a number at the front of `text` and removes it together with the blanks ahead of it.

@@ -307,9 +307,8 @@ std::shared_ptr<cl_variable_base> cl_local_variable_array::find_local(std::strin
     return create ? std::shared_ptr<cl_variable_base>(make_variable(name, SAVE_LOCAL)) : nullptr;
 }
 
-void cl_local_variable_array::enter(std::shared_ptr<cl_variable_base> variable) {
-    std::string name = variable->name;
-    variables.try_emplace(std::move(name), std::move(variable));
+void cl_local_variable_array::enter(const std::shared_ptr<cl_variable_base>& variable) {
+    variables.try_emplace(variable->name, variable);
 }
 
 void cl_local_variable_array::get_local_int(std::string_view name, std::int32_t& value) const {

@@ -85,7 +85,7 @@ class cl_local_variable_array {
 public:
     /// The variable; when missing and `create`, a new one that is not entered: its owner does that.
     std::shared_ptr<cl_variable_base> find_local(std::string_view name, bool create) const;
-    void enter(std::shared_ptr<cl_variable_base> variable);
+    void enter(const std::shared_ptr<cl_variable_base>& variable);
 
     void get_local_int(std::string_view name, std::int32_t& value) const;
     void get_local_COLORREF(std::string_view name, COLORREF& value) const;

@@ -153,6 +153,7 @@ TEST_F(Commands, KeywordsByTheirCapitals) {
     EXPECT_EQ(ask("layer"), "LAyer");
     EXPECT_EQ(ask("x"), "eXit");
     EXPECT_EQ(ask("exit"), "eXit");
+    EXPECT_EQ(ask("ex"), "eXit");
     EXPECT_EQ(ask("y"), "Yes");
     EXPECT_EQ(ask("_y"), "Yes");
     EXPECT_EQ(ask("l"), "-") << "shorter than the abbreviation";

@@ -161,6 +161,8 @@ TEST(Entities, FacesDropCornersThatRepeat) {
     AcDbFace needle(a, b, b, a);
     recorder.record(&needle);
     EXPECT_THAT(recorder.calls, IsEmpty());
+    EXPECT_STREQ(needle.notRenderedReason(), "degenerate");
+    EXPECT_EQ(quad.notRenderedReason(), nullptr);
 }
 
 TEST(Entities, SolidsGoRoundTheirCorners) {
@@ -202,6 +204,7 @@ TEST(Entities, NumbersThatAreNoneDrawNothing) {
         AcDbExtents box;
         EXPECT_EQ(entity->getGeomExtents(box), Acad::eInvalidExtents) << entity->isA()->name();
         EXPECT_TRUE(box.isEmpty());
+        EXPECT_NE(entity->notRenderedReason(), nullptr);
     }
 }
 

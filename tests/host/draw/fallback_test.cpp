@@ -137,9 +137,9 @@ TEST(Fallback, ThinPolylinesBecomeLinesAndArcs) {
         EXPECT_THAT(*call.normal, IsNear(AcGeVector3d{0, 0, -1})) << "all are extruded one way";
         EXPECT_EQ(call.traits.thickness, 2);
     }
-    // Both arcs lie on the side that their bulges say: beyond x = -4 and within.
+    // Both arcs lie on the side that their bulges say: beyond x = -4, and below y = 2.
     EXPECT_THAT(calls[1].samples[32], IsNear(AcGePoint3d{-5, 1, 0}));
-    EXPECT_THAT(calls[2].samples[32], IsNear(AcGePoint3d{-2, 1, 0}));
+    EXPECT_THAT(calls[2].samples[32], IsNear(AcGePoint3d{-2, 0, 0}));
     EXPECT_THAT(calls[3].points,
                 testing::ElementsAre(IsNear(AcGePoint3d{0, 2, 0}), IsNear(AcGePoint3d{0, 0, 0})));
 }

@@ -84,6 +84,7 @@ TEST(PolygonMesh, DamagedSizes) {
         gi::Recorder recorder;
         recorder.record(&mesh);
         EXPECT_THAT(recorder.calls, IsEmpty()) << m << " by " << n;
+        EXPECT_STREQ(mesh.notRenderedReason(), "degenerate");
     }
     mesh.setSize(2, 2); // more points than needed: the first ones count
     EXPECT_THAT(onlyCall(mesh).points, SizeIs(4));
@@ -103,6 +104,8 @@ TEST(PolyFaceMesh, FacesEdgesAndBadIndices) {
     mesh.appendFace({1, 2, 99, -2147483647 - 1});
     mesh.appendFace({1, 2, 99, 4}); // three good corners are left
     mesh.appendFace({1, 2, 0, 0});  // an edge only
+    EXPECT_EQ(mesh.notRenderedReason(), nullptr);
+    EXPECT_STREQ(AcDbPolyFaceMesh().notRenderedReason(), "degenerate");
     const gi::RecordedCall call = onlyCall(mesh);
     EXPECT_EQ(call.primitive, Primitive::kShell);
     EXPECT_THAT(call.points, SizeIs(4));

@@ -73,12 +73,12 @@ TEST(Subdivision, ACubeStaysSymmetricAndConverges) {
             ASSERT_TRUE(there);
         }
     }
-    const double before = volumeOf(subd::refine(cube(), 3, 100000));
-    const double after = volumeOf(mesh);
-    EXPECT_LT(after, before);
-    EXPECT_NEAR(after, before, 0.01 * after);
-    EXPECT_GT(after, 8 * 0.35);
-    EXPECT_LT(after, 8 * 0.5);
+    // Each round leaves a quarter of what is still to go.
+    const double second = volumeOf(subd::refine(cube(), 2, 100000));
+    const double third = volumeOf(subd::refine(cube(), 3, 100000));
+    const double fourth = volumeOf(mesh);
+    EXPECT_NEAR((third - fourth) / (second - third), 0.25, 0.02);
+    EXPECT_NEAR(fourth + (fourth - third) / 3, 8 * 0.3275, 0.01);
     // A face's middle leads to (16 + 4 * 4 * 3/4 + 4 * 5/9) / 36 by the limit rule of a regular
     // vertex, applied to the first round.
     double top = 0;

@@ -1,0 +1,25 @@
+// One run of the batch process: arguments in, exit code out.
+#pragma once
+
+#include "KestraBatch/progress.h"
+
+#include <atomic>
+#include <string>
+#include <vector>
+
+namespace KestraBatch {
+
+/// What a main program gives to a run beside its arguments.
+struct BatchRun {
+    std::string program_version;            ///< for metadata and the start event
+    const std::atomic<int>* stop = nullptr; ///< number of the signal that asks to stop, 0 none
+    int threads = 0;                        ///< 0: as the settings say
+};
+
+/// Renders the batch folder whose parameter file is the one argument; "--help" and "--version"
+/// answer through `out`. Returns an ExitCode. Asked to stop while it renders, it saves the picture
+/// so far and returns interrupted or terminated. Nothing is thrown.
+int run_batch(const std::vector<std::string>& arguments, cl_batch_output& out,
+              const BatchRun& run = {});
+
+} // namespace KestraBatch

@@ -1,0 +1,18 @@
+// The exit codes of our programs.
+#pragma once
+
+namespace apps {
+
+enum ExitCode {
+    kDone = 0,
+    kFailed = 1,
+    kUsage = 2,
+    kUnreadable = 3, ///< the input cannot be read
+    kMissing = 4,    ///< something that the input names is missing
+    kUnwritable = 5, ///< the output cannot be written
+    kLimit = 6,      ///< a limit, or memory
+    kInterrupted = 130,
+    kTerminated = 143
+};
+
+} // namespace apps

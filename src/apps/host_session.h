@@ -1,0 +1,66 @@
+// One drawing open in the embedded host, with the add-on loaded: what every verb stands on.
+#pragma once
+
+#include "apps/options.h"
+#include "host/ed/document.h"
+#include "host/ed/ed.h"
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace apps {
+
+/// A failure with the exit code that it gives.
+struct Failure {
+    int exit_code;
+    std::string message; ///< "FILE: what is wrong"
+};
+
+/// The host's command line on the terminal: reads lines from a script, or nothing, and shows
+/// output when asked to.
+class TerminalPort : public AcEdInputPort {
+public:
+    TerminalPort(std::istream* script, bool show)
+      : script_(script)
+      , show_(show) {}
+    std::optional<std::string> readLine(const std::string& prompt) override;
+    void write(const std::string& text) override;
+    /// All that was written, for telling why a command failed.
+    const std::string& transcript() const { return transcript_; }
+
+private:
+    std::istream* script_;
+    bool show_;
+    std::string transcript_;
+};
+
+class HostSession {
+public:
+    /// Reads the drawing and makes it current. Throws Failure.
+    explicit HostSession(const std::string& drawing);
+    ~HostSession();
+    HostSession(const HostSession&) = delete;
+    HostSession& operator=(const HostSession&) = delete;
+
+    AcDbDatabase& database() { return *acDocManager()->curDocument()->database(); }
+    /// Loads the add-on that stands beside the program. Throws Failure.
+    void load_add_on();
+    /// The address of an exported function of the add-on. Throws Failure when it has none.
+    void* add_on_symbol(const std::string& name) const;
+    /// Words of the load report, one a line, at most `limit` of them.
+    std::vector<std::string> report_lines(std::size_t limit) const;
+
+private:
+    std::string drawing_;
+};
+
+/// Installs handlers for SIGINT and SIGTERM once; the count of signals received so far.
+void install_interrupt_handlers();
+int interrupts_received();
+/// The signal that came first, or 0.
+int first_interrupt_signal();
+
+} // namespace apps

@@ -1,0 +1,99 @@
+// The batch process: renders the batch folder that is named on its command line.
+#include "KestraBatch/run_batch.h"
+#include "apps/version.h"
+#include "platform/files.h"
+#include "platform/line_channel.h"
+
+#include <atomic>
+#include <charconv>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <ctime>
+#include <string>
+#include <vector>
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+namespace {
+
+std::atomic<int> stop_signal{0};
+std::atomic<std::int64_t> first_signal_ms{0};
+static_assert(std::atomic<int>::is_always_lock_free &&
+                  std::atomic<std::int64_t>::is_always_lock_free,
+              "a signal handler may use nothing else");
+
+/// An interrupt key reaches this process and the one that started it, which hands it on: signals
+/// this close together are one.
+constexpr std::int64_t same_signal_ms = 700;
+
+/// The first signal asks for a safe stop, the second ends the process at once.
+void on_signal(int number) {
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    const std::int64_t ms = std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
+    if (stop_signal.load() == 0) {
+        first_signal_ms = ms;
+        stop_signal = number;
+    } else if (ms - first_signal_ms.load() > same_signal_ms) {
+        _exit(128 + number);
+    }
+}
+
+/// Messages on standard error; the state in one line that is written over on a terminal.
+class ConsoleOutput : public KestraBatch::cl_batch_output {
+public:
+    void message(const std::string& text) override {
+        end_status();
+        fmt::print("{}\n", text);
+        std::fflush(stdout);
+    }
+    void error(const std::string& text) override {
+        end_status();
+        fmt::print(stderr, "KestraBatch64: {}\n", text);
+    }
+    void status(const std::string& text) override {
+        if (terminal_) {
+            fmt::print(stderr, "\r\033[K{}", text);
+        } else {
+            fmt::print(stderr, "{}\n", text);
+        }
+        std::fflush(stderr);
+        open_ = terminal_;
+    }
+
+private:
+    void end_status() {
+        if (open_) {
+            fmt::print(stderr, "\n");
+        }
+        open_ = false;
+    }
+
+    bool terminal_ = isatty(STDERR_FILENO) != 0;
+    bool open_ = false;
+};
+
+/// QORVANE_THREADS as a number, 0 when it is not set or no number.
+int threads_from_environment() {
+    const std::string text = platform::environment("QORVANE_THREADS");
+    int threads = 0;
+    std::from_chars(text.data(), text.data() + text.size(), threads);
+    return threads;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    platform::ignore_broken_pipes();
+    std::signal(SIGINT, on_signal);
+    std::signal(SIGTERM, on_signal);
+    const std::string version = apps::version_text();
+    KestraBatch::BatchRun run;
+    run.program_version = version.substr(0, version.find('\n'));
+    run.stop = &stop_signal;
+    run.threads = threads_from_environment();
+    ConsoleOutput out;
+    return KestraBatch::run_batch(std::vector<std::string>(argv + 1, argv + argc), out, run);
+}

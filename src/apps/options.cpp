@@ -1,0 +1,393 @@
+// Flags as rows: what is listed here is parsed, helped, completed and documented.
+#include "apps/options.h"
+
+#include "apps/exit_codes.h"
+#include "apps/version.h"
+#include "omb/globals/catalogue.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <string_view>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+namespace apps {
+namespace {
+
+bool parse_number(std::string_view text, int& value, int low, int high) {
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    return error == std::errc() && end == text.data() + text.size() && value >= low &&
+           value <= high;
+}
+
+std::string take_size(Options& options, const std::string& value) {
+    const std::size_t cross = value.find_first_of("xX");
+    if (cross == std::string::npos ||
+        !parse_number(std::string_view(value).substr(0, cross), options.width, 50, 32000) ||
+        !parse_number(std::string_view(value).substr(cross + 1), options.height, 30, 32000)) {
+        return "a size is WIDTHxHEIGHT, from 50x30 to 32000x32000";
+    }
+    return {};
+}
+
+std::string take_passes(Options& options, const std::string& value) {
+    return parse_number(value, options.passes, 1, 32767) ? ""
+                                                         : "passes are a number from 1 to 32767";
+}
+
+std::string take_time(Options& options, const std::string& value) {
+    options.time_seconds = parse_duration(value);
+    return options.time_seconds > 0 ? "" : "a time is a number of seconds, or like 90s, 10m, 1h30m";
+}
+
+std::string take_threads(Options& options, const std::string& value) {
+    return parse_number(value, options.threads, 1, 1024) ? ""
+                                                         : "threads are a number from 1 to 1024";
+}
+
+constexpr std::array<std::string_view, 5> kPresets{"exterior", "interior", "interior-no-sun",
+                                                   "hdri", "high-dynamic"};
+
+std::string take_preset(Options& options, const std::string& value) {
+    options.preset = value;
+    return std::ranges::find(kPresets, value) != kPresets.end()
+               ? ""
+               : "presets are exterior, interior, interior-no-sun, hdri, high-dynamic";
+}
+
+std::string take_progress(Options& options, const std::string& value) {
+    options.progress = value;
+    return value == "auto" || value == "tty" || value == "ndjson" || value == "none"
+               ? ""
+               : "progress is auto, tty, ndjson or none";
+}
+
+std::string take_global(Options& options, const std::string& value) {
+    const std::size_t equals = value.find('=');
+    if (equals == std::string::npos || equals == 0) {
+        return "a setting is NAME=VALUE";
+    }
+    const std::string name = value.substr(0, equals);
+    if (!is_catalogue_global(name)) {
+        std::string nearest;
+        for (const std::string& other : nearest_global_names(name, 3)) {
+            nearest += (nearest.empty() ? "" : ", ") + other;
+        }
+        return fmt::format("there is no setting '{}'; nearest: {}", name, nearest);
+    }
+    options.globals.emplace_back(name, value.substr(equals + 1));
+    return {};
+}
+
+template <std::string Options::*member>
+std::string take_text(Options& options, const std::string& value) {
+    options.*member = value;
+    return value.empty() ? "the value is empty" : "";
+}
+
+template <bool Options::*member>
+std::string take_switch(Options& options, const std::string&) {
+    options.*member = true;
+    return {};
+}
+
+std::string take_view(Options& options, const std::string& value) {
+    options.views.push_back(value);
+    return value.empty() ? "the view is empty" : "";
+}
+
+std::string take_material(Options& options, const std::string& value) {
+    options.materials.push_back(value);
+    return {};
+}
+
+std::string take_verbose(Options& options, const std::string&) {
+    ++options.verbosity;
+    return {};
+}
+
+constexpr std::array<VerbRow, 5> kVerbs{{
+    {kRender, "render", "DRAWING", "render a drawing to a picture"},
+    {kExtract, "extract", "DRAWING", "write the batch folder only, start no process"},
+    {kRun, "run", "DRAWING", "run command lines from a script or from standard input"},
+    {kInspect, "inspect", "DRAWING", "tell what a drawing holds and what would be rendered"},
+    {kConvert, "convert", "IN OUT", "read a drawing and write it again, losing nothing"},
+}};
+
+constexpr std::array kFlags{
+    FlagRow{"-o,--output", "IMAGE",
+            "the picture; its extension chooses the format (png, jpg, hdr, exr); %n is the "
+            "drawing's name, %v the view's (default %n.png)",
+            kRender, take_text<&Options::output>, ""},
+    FlagRow{"-s,--size", "WxH", "size in pixels (default 1200x800)", kRender, take_size, ""},
+    FlagRow{"--passes", "N", "render passes (default 20)", kRender, take_passes, ""},
+    FlagRow{"--time", "DURATION", "stop after this time and keep the picture: 90s, 10m, 1h30m",
+            kRender, take_time, ""},
+    FlagRow{"--view", "VIEW",
+            "auto, current, top, front, right, iso, a named view of the drawing, or "
+            "eye=x,y,z;target=x,y,z;fov=deg; may be repeated (default auto)",
+            kRender | kExtract, take_view, "auto current top front right iso"},
+    FlagRow{"--preset", "PRESET",
+            "lighting: exterior, interior, interior-no-sun, hdri, high-dynamic (default exterior)",
+            kRender | kExtract, take_preset, "exterior interior interior-no-sun hdri high-dynamic"},
+    FlagRow{"--material", "KEY=FILE", "a material file for a layer, colour or block", kRender,
+            take_material, ""},
+    FlagRow{"-D", "NAME=VALUE", "set a setting for this render", kRender | kExtract, take_global,
+            ""},
+    FlagRow{"--batch-folder", "DIR", "where the batch folder is written", kRender | kExtract,
+            take_text<&Options::batch_folder>, ""},
+    FlagRow{"--save", "", "store the settings in the drawing's file", kRender,
+            take_switch<&Options::save>, ""},
+    FlagRow{"--script", "FILE", "command lines to run (default standard input)", kRun,
+            take_text<&Options::script>, ""},
+    FlagRow{"--json", "", "answer as JSON", kInspect, take_switch<&Options::json>, ""},
+    FlagRow{"--ascii", "", "write the drawing as text", kConvert, take_switch<&Options::ascii>, ""},
+    FlagRow{"--binary", "", "write the drawing as binary DXF", kConvert,
+            take_switch<&Options::binary>, ""},
+    FlagRow{"-j,--threads", "N", "threads to render with (default all cores)", kAllVerbs,
+            take_threads, ""},
+    FlagRow{"-v,--verbose", "", "tell more; twice, the trace", kAllVerbs, take_verbose, ""},
+    FlagRow{"--quiet", "", "errors only", kAllVerbs, take_switch<&Options::quiet>, ""},
+    FlagRow{"--force", "", "replace an existing file", kAllVerbs, take_switch<&Options::force>, ""},
+    FlagRow{"--log-file", "FILE", "write the trace to a file", kAllVerbs,
+            take_text<&Options::log_file>, ""},
+    FlagRow{"--progress", "KIND", "auto, tty, ndjson (a JSON object per line) or none", kAllVerbs,
+            take_progress, "auto tty ndjson none"},
+};
+
+std::string indented(std::string_view text, std::size_t indent, std::size_t width) {
+    std::string result;
+    std::size_t column = 0;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find(' '), text.size());
+        const std::string_view word = text.substr(0, end);
+        if (column > 0 && indent + column + 1 + word.size() > width) {
+            result += "\n" + std::string(indent, ' ');
+            column = 0;
+        } else if (column > 0) {
+            result += ' ';
+            ++column;
+        }
+        result += word;
+        column += word.size();
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return result;
+}
+
+const VerbRow* find_verb(std::string_view word) {
+    const auto* row =
+        std::ranges::find_if(kVerbs, [&](const VerbRow& r) { return word == r.name; });
+    return row != kVerbs.end() ? row : nullptr;
+}
+
+ParseResult usage_error(std::string text) {
+    ParseResult result;
+    result.exit_code = kUsage;
+    result.message = "qorvane: " + std::move(text) + "\n";
+    return result;
+}
+
+} // namespace
+
+std::span<const VerbRow> verb_rows() { return kVerbs; }
+std::span<const FlagRow> flag_rows() { return kFlags; }
+
+double parse_duration(const std::string& text) {
+    double total = 0;
+    std::string_view rest = text;
+    if (rest.empty()) {
+        return -1;
+    }
+    while (!rest.empty()) {
+        double value = 0;
+        const auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), value);
+        if (error != std::errc() || value < 0) {
+            return -1;
+        }
+        rest.remove_prefix(static_cast<std::size_t>(end - rest.data()));
+        const char unit = rest.empty() ? 's' : rest.front();
+        const double factor = unit == 's' ? 1 : unit == 'm' ? 60 : unit == 'h' ? 3600 : -1;
+        if (factor < 0) {
+            return -1;
+        }
+        total += value * factor;
+        if (!rest.empty()) {
+            rest.remove_prefix(1);
+        }
+    }
+    return total;
+}
+
+ParseResult parse_command_line(const std::vector<std::string>& words) {
+    CLI::App parser;
+    parser.set_help_flag();
+    bool help = false;
+    bool version = false;
+    std::vector<std::string> operands;
+    std::array<std::vector<std::string>, kFlags.size()> values;
+    std::array<CLI::Option*, kFlags.size()> given{};
+    parser.add_flag("-h,--help", help);
+    parser.add_flag("-V,--version", version);
+    parser.add_option("operands", operands);
+    for (std::size_t i = 0; i < kFlags.size(); ++i) {
+        given[i] = kFlags[i].metavar[0] != '\0'
+                       ? parser.add_option(kFlags[i].names, values[i])->allow_extra_args(false)
+                       : parser.add_flag(kFlags[i].names);
+    }
+    try {
+        parser.parse(std::vector<std::string>(words.rbegin(), words.rend()));
+    } catch (const CLI::ParseError& error) {
+        return usage_error(fmt::format("{}; see qorvane --help", error.what()));
+    }
+    ParseResult result;
+    if (help || version) {
+        result.message = help ? help_text() : version_text();
+        return result;
+    }
+    const VerbRow* verb = operands.empty() ? nullptr : find_verb(operands.front());
+    if (verb == nullptr) {
+        return usage_error(
+            operands.empty() ? "nothing to do; see qorvane --help"
+                             : fmt::format("the window is not there yet; use a verb, for instance "
+                                           "'qorvane render {}'",
+                                           operands.front()));
+    }
+    result.options.verb = verb->verb;
+    result.options.operands.assign(operands.begin() + 1, operands.end());
+    for (std::size_t i = 0; i < kFlags.size(); ++i) {
+        if (given[i]->count() > 0 && (kFlags[i].verbs & static_cast<unsigned>(verb->verb)) == 0) {
+            return usage_error(fmt::format("{} has no flag {}", verb->name, kFlags[i].names));
+        }
+        if (kFlags[i].metavar[0] == '\0') {
+            values[i].assign(given[i]->count(), std::string());
+        }
+        for (const std::string& value : values[i]) {
+            if (const auto wrong = kFlags[i].take(result.options, value); !wrong.empty()) {
+                return usage_error(fmt::format("{} {}: {}", kFlags[i].names, value, wrong));
+            }
+        }
+    }
+    if (result.options.operands.size() != (verb->verb == kConvert ? 2U : 1U)) {
+        return usage_error(fmt::format("usage: qorvane {} {}", verb->name, verb->arguments));
+    }
+    result.proceed = true;
+    return result;
+}
+
+std::string help_text() {
+    std::string text = "qorvane: from a CAD drawing to a photo-realistic picture\n\n";
+    for (const VerbRow& row : kVerbs) {
+        text += fmt::format("  qorvane {:<18} {}\n", fmt::format("{} {}", row.name, row.arguments),
+                            row.help);
+    }
+    for (const VerbRow& verb : kVerbs) {
+        std::string flags;
+        for (const FlagRow& row : kFlags) {
+            if (row.verbs != kAllVerbs && (row.verbs & verb.verb) != 0) {
+                flags += fmt::format("  {:<26} {}\n", fmt::format("{} {}", row.names, row.metavar),
+                                     indented(row.help, 29, 80));
+            }
+        }
+        if (!flags.empty()) {
+            text += fmt::format("\nFlags of {}:\n{}", verb.name, flags);
+        }
+    }
+    text += "\nEverywhere:\n";
+    for (const FlagRow& row : kFlags) {
+        if (row.verbs == kAllVerbs) {
+            text += fmt::format("  {:<26} {}\n", fmt::format("{} {}", row.names, row.metavar),
+                                indented(row.help, 29, 80));
+        }
+    }
+    text += "  -h,--help                  this text\n"
+            "  -V,--version               the version\n"
+            "\nExit codes: 0 done, 1 failed, 2 wrong usage, 3 input cannot be read, 4 something\n"
+            "it names is missing, 5 output cannot be written, 6 a limit or memory, 130 and 143\n"
+            "interrupted, with the picture so far saved.\n";
+    return text;
+}
+
+std::string manual_page() {
+    const auto escaped = [](std::string_view text) {
+        std::string out;
+        for (const char c : text) {
+            out += c == '-'    ? std::string("\\-")
+                   : c == '\\' ? std::string("\\e")
+                               : std::string(1, c);
+        }
+        return out;
+    };
+    std::string text = ".TH QORVANE 1\n.SH NAME\nqorvane \\- from a CAD drawing to a "
+                       "photo\\-realistic picture\n.SH SYNOPSIS\n";
+    for (const VerbRow& row : kVerbs) {
+        text += fmt::format(".B qorvane {}\n[FLAG]... {}\n.br\n", row.name, row.arguments);
+    }
+    text += ".SH VERBS\n";
+    for (const VerbRow& row : kVerbs) {
+        text += fmt::format(".TP\n.B {} {}\n{}\n", row.name, row.arguments, escaped(row.help));
+    }
+    text += ".SH OPTIONS\n";
+    for (const FlagRow& row : kFlags) {
+        std::string verbs;
+        for (const VerbRow& verb : kVerbs) {
+            if (row.verbs != kAllVerbs && (row.verbs & verb.verb) != 0) {
+                verbs += (verbs.empty() ? "" : ", ") + std::string(verb.name);
+            }
+        }
+        text += fmt::format(".TP\n.B {} {}\n{}{}\n", escaped(row.names), row.metavar,
+                            escaped(row.help), verbs.empty() ? "" : " (" + verbs + ")");
+    }
+    text += ".SH EXIT STATUS\n0 done, 1 failed, 2 wrong usage, 3 the input cannot be read, 4 "
+            "something that it names is missing, 5 the output cannot be written, 6 a limit or "
+            "memory, 130 and 143 interrupted, with the picture so far saved.\n";
+    return text;
+}
+
+std::string bash_completion() {
+    std::string verbs;
+    std::string cases;
+    for (const VerbRow& verb : kVerbs) {
+        verbs += std::string(verb.name) + " ";
+        std::string flags;
+        for (const FlagRow& row : kFlags) {
+            if ((row.verbs & verb.verb) != 0) {
+                std::string names = row.names;
+                std::ranges::replace(names, ',', ' ');
+                flags += names + " ";
+            }
+        }
+        cases += fmt::format("        {}) words=\"{}\" ;;\n", verb.name, flags);
+    }
+    std::string values;
+    for (const FlagRow& row : kFlags) {
+        if (row.choices[0] != '\0') {
+            std::string names = row.names;
+            std::ranges::replace(names, ',', '|');
+            values += fmt::format("        {}) COMPREPLY=($(compgen -W \"{}\" -- \"$current\")); "
+                                  "return ;;\n",
+                                  names, row.choices);
+        }
+    }
+    return fmt::format(R"(# Completion of qorvane for bash, made from its table of flags.
+_qorvane() {{
+    local current=${{COMP_WORDS[COMP_CWORD]}} previous=${{COMP_WORDS[COMP_CWORD-1]}} words=
+    case $previous in
+{}    esac
+    if [ "$COMP_CWORD" = 1 ]; then
+        words="{}--help --version"
+    elif [[ $current == -* ]]; then
+        case ${{COMP_WORDS[1]}} in
+{}        esac
+    fi
+    COMPREPLY=($(compgen -W "$words" -- "$current"))
+    [ -n "$words" ] || compopt -o default
+}}
+complete -F _qorvane qorvane
+)",
+                       values, verbs, cases);
+}
+
+} // namespace apps

@@ -1,0 +1,80 @@
+// The command line of `qorvane`: one table of verbs and one of flags feed the parser, the help,
+// the manual page and the shell completion.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace apps {
+
+enum Verb : std::uint8_t {
+    kRender = 1,
+    kExtract = 2,
+    kRun = 4,
+    kInspect = 8,
+    kConvert = 16,
+    kAllVerbs = 31
+};
+
+struct VerbRow {
+    Verb verb;
+    const char* name;
+    const char* arguments; ///< operands as the help shows them
+    const char* help;
+};
+
+/// What the command line asked for.
+struct Options {
+    Verb verb = kRender;
+    std::vector<std::string> operands; ///< drawing, or input and output
+    std::string output;
+    int width = 0, height = 0; ///< 0 means the default
+    int passes = 0;            ///< 0 means the default
+    double time_seconds = 0;   ///< 0 means no limit
+    std::vector<std::string> views;
+    std::string preset; ///< empty: exterior, unless the drawing has settings of its own
+    std::vector<std::string> materials;
+    std::vector<std::pair<std::string, std::string>> globals; ///< -D NAME=VALUE, in order
+    std::string batch_folder;
+    std::string script;
+    std::string log_file;
+    std::string progress = "auto"; ///< auto, tty, ndjson, none
+    int threads = 0;
+    int verbosity = 0;
+    bool save = false, json = false, quiet = false, force = false, ascii = false, binary = false;
+};
+
+struct FlagRow {
+    const char* names;   ///< "-o,--output"
+    const char* metavar; ///< "IMAGE", or "" for a switch
+    const char* help;
+    unsigned verbs; ///< bit set of Verb
+    /// Takes one occurrence; returns what is wrong with the value, or an empty text.
+    std::string (*take)(Options& options, const std::string& value);
+    const char* choices; ///< blank-separated values for completion, or ""
+};
+
+std::span<const VerbRow> verb_rows();
+std::span<const FlagRow> flag_rows();
+
+struct ParseResult {
+    Options options;
+    std::string message; ///< help or version text, or what is wrong
+    int exit_code = 0;
+    bool proceed = false; ///< false: print the message and end with the exit code
+};
+
+/// Parses the words behind the program's name. Flags may stand in any order; `--` ends them.
+ParseResult parse_command_line(const std::vector<std::string>& words);
+
+std::string help_text();
+std::string manual_page();     ///< troff for man(1)
+std::string bash_completion(); ///< a completion script for bash
+
+/// "10m", "90s", "1h30m", "45" (seconds); negative when it is no duration.
+double parse_duration(const std::string& text);
+
+} // namespace apps

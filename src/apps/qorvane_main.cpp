@@ -1,0 +1,69 @@
+// The program `qorvane`: parses its arguments and runs the verb.
+#include "apps/exit_codes.h"
+#include "apps/host_session.h"
+#include "apps/options.h"
+#include "apps/verbs.h"
+#include "omb/base/message_box.h"
+#include "omb/base/trace.h"
+
+#include <cstdio>
+#include <exception>
+#include <new>
+#include <string>
+#include <vector>
+
+#include <fmt/format.h>
+
+namespace {
+
+struct VerbFunction {
+    apps::Verb verb;
+    int (*function)(const apps::Options&);
+};
+constexpr VerbFunction kFunctions[] = {
+    {apps::kRender, apps::run_render},   {apps::kExtract, apps::run_extract},
+    {apps::kRun, apps::run_script},      {apps::kInspect, apps::run_inspect},
+    {apps::kConvert, apps::run_convert},
+};
+
+int run(const apps::Options& options) {
+    for (const VerbFunction& row : kFunctions) {
+        if (row.verb == options.verb) {
+            return row.function(options);
+        }
+    }
+    return apps::kUsage;
+}
+
+void tell(const std::string& text) { fmt::print(stderr, "qorvane: {}\n", text); }
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const std::vector<std::string> words(argv + 1, argv + argc);
+    if (words.size() == 1 && words[0] == "--manual-page") {
+        fmt::print("{}", apps::manual_page());
+        return apps::kDone;
+    }
+    if (words.size() == 1 && words[0] == "--bash-completion") {
+        fmt::print("{}", apps::bash_completion());
+        return apps::kDone;
+    }
+    const apps::ParseResult parsed = apps::parse_command_line(words);
+    if (!parsed.proceed) {
+        fmt::print(parsed.exit_code == apps::kDone ? stdout : stderr, "{}", parsed.message);
+        return parsed.exit_code;
+    }
+    try {
+        return run(parsed.options);
+    } catch (const apps::Failure& failure) {
+        tell(failure.message);
+        return failure.exit_code;
+    } catch (const std::bad_alloc&) {
+        tell("out of memory");
+        return apps::kLimit;
+    } catch (const std::exception& error) {
+        tell(error.what());
+        return apps::kFailed;
+    }
+}

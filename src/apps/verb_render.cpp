@@ -1,0 +1,282 @@
+// `qorvane render` and `qorvane extract`: the whole road, and its first half.
+#include "apps/exit_codes.h"
+#include "apps/host_session.h"
+#include "apps/progress.h"
+#include "apps/render_request.h"
+#include "apps/verbs.h"
+#include "omb/base/message_box.h"
+#include "platform/files.h"
+#include "platform/process.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+
+#include <fmt/format.h>
+
+#include <unistd.h>
+
+namespace apps {
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+constexpr std::array<const char*, 5> kFormats{"png", "jpg", "jpeg", "hdr", "exr"};
+constexpr std::size_t kReportLines = 5;
+
+double seconds_since(Clock::time_point start) {
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+/// True when the picture carries this program's name in its metadata: it may be replaced.
+bool made_by_us(const fs::path& path) {
+    platform::MappedFile file;
+    std::string error;
+    if (!file.open(path, error)) {
+        return false;
+    }
+    constexpr std::size_t kHead = std::size_t{1} << 16;
+    const std::string_view bytes = file.view();
+    return bytes.substr(0, kHead).find("Qorvane") != std::string_view::npos ||
+           bytes.substr(bytes.size() - std::min(bytes.size(), kHead)).find("Qorvane") !=
+               std::string_view::npos;
+}
+
+void check_output(const fs::path& path, bool force) {
+    std::string extension = path.extension().string();
+    std::ranges::transform(extension, extension.begin(),
+                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    if (extension.empty() || std::ranges::find(kFormats, extension.substr(1)) == kFormats.end()) {
+        throw Failure{kUsage,
+                      fmt::format("{}: a picture is .png, .jpg, .hdr or .exr", path.string())};
+    }
+    std::error_code failed;
+    if (fs::is_directory(path, failed)) {
+        throw Failure{kUnwritable, fmt::format("{}: Is a directory", path.string())};
+    }
+    const fs::path folder = path.parent_path();
+    if (!fs::is_directory(folder, failed)) {
+        throw Failure{kUnwritable, fmt::format("{}: the folder does not exist", folder.string())};
+    }
+    if (access(folder.c_str(), W_OK) != 0) {
+        throw Failure{kUnwritable,
+                      fmt::format("{}: the folder cannot be written to", folder.string())};
+    }
+    if (fs::exists(path, failed) && !force && !made_by_us(path)) {
+        throw Failure{
+            kUnwritable,
+            fmt::format("{}: exists and was not made by this program; --force replaces it",
+                        path.string())};
+    }
+}
+
+void check_flags(const Options& options) {
+    if (!options.materials.empty()) {
+        throw Failure{kUsage, "--material is not there yet"};
+    }
+    if (options.save) {
+        throw Failure{kUsage, "--save is not there yet"};
+    }
+}
+
+/// Makes the batch folder and hands its name to the add-on.
+void choose_batch_folder(const Options& options) {
+    if (options.batch_folder.empty()) {
+        return;
+    }
+    std::error_code failed;
+    const fs::path folder = fs::absolute(options.batch_folder, failed).lexically_normal();
+    fs::create_directories(folder, failed);
+    if (failed || access(folder.c_str(), W_OK) != 0) {
+        throw Failure{kUnwritable,
+                      fmt::format("{}: the batch folder cannot be written to", folder.string())};
+    }
+    setenv("QORVANE_BATCH_FOLDER", folder.c_str(), 1);
+}
+
+/// Ends of a render that the user asked for.
+int interrupted_code() { return 128 + first_interrupt_signal(); }
+
+/// Follows the batch process to its end, passing progress on and interrupts down.
+int follow_process(std::int64_t process, double limit_seconds, ProgressChannel& channel,
+                   ProgressPrinter& printer) {
+    const auto start = Clock::now();
+    int passed_on = 0;
+    bool timed_out = false;
+    std::optional<int> status;
+    while (!status) {
+        channel.poll(0.1, [&](const std::string& line) { printer.show(line); });
+        for (; passed_on < interrupts_received(); ++passed_on) {
+            platform::interrupt_process(process);
+        }
+        if (limit_seconds > 0 && !timed_out && seconds_since(start) > limit_seconds) {
+            timed_out = true;
+            platform::interrupt_process(process);
+        }
+        status = platform::wait_process(process, 0);
+        if (!status && !platform::is_process_running(process)) {
+            break;
+        }
+    }
+    channel.poll(0.05, [&](const std::string& line) { printer.show(line); });
+    printer.finish();
+    const int code = status.value_or(kFailed);
+    if (interrupts_received() > 0) {
+        return interrupted_code();
+    }
+    return timed_out && code == kInterrupted ? kDone : code;
+}
+
+/// Words of a transcript's last line that says something.
+std::string last_words(const std::string& transcript) {
+    const std::size_t end = transcript.find_last_not_of(" \r\n");
+    if (end == std::string::npos) {
+        return {};
+    }
+    const std::size_t begin = transcript.find_last_of('\n', end);
+    return transcript.substr(begin == std::string::npos ? 0 : begin + 1,
+                             end - (begin == std::string::npos ? -1 : begin));
+}
+
+/// A session with its command line, message boxes and the add-on in place.
+class RenderSession {
+public:
+    explicit RenderSession(const Options& options)
+      : options_(options)
+      , port_(nullptr, options.verbosity > 0)
+      , session_(options.operands.front()) {
+        acedSetInputPort(&port_);
+        if (!options.quiet) {
+            for (const std::string& line : session_.report_lines(kReportLines)) {
+                fmt::print(stderr, "qorvane: {}\n", line);
+            }
+        }
+        session_.load_add_on();
+    }
+    ~RenderSession() { acedSetInputPort(nullptr); }
+    RenderSession(const RenderSession&) = delete;
+    RenderSession& operator=(const RenderSession&) = delete;
+
+    ResolvedView view(const std::string& word) {
+        const PictureSize size = picture_size(options_);
+        ResolvedView resolved;
+        std::string error;
+        if (!resolve_view(session_.database(), word, static_cast<double>(size.width) / size.height,
+                          resolved, error)) {
+            throw Failure{kMissing, fmt::format("{}: {}", options_.operands.front(), error)};
+        }
+        return resolved;
+    }
+    HostSession& host() { return session_; }
+    const TerminalPort& port() const { return port_; }
+
+private:
+    const Options& options_;
+    TerminalPort port_;
+    HostSession session_;
+};
+
+std::vector<std::string> views_of(const Options& options) {
+    return options.views.empty() ? std::vector<std::string>{"auto"} : options.views;
+}
+
+void print_phase(const Options& options, const char* phase) {
+    if (options.progress == "ndjson") {
+        fmt::print("{{\"event\":\"phase\",\"phase\":\"{}\"}}\n", phase);
+        std::fflush(stdout);
+    }
+}
+
+int render_view(const Options& options, RenderSession& session, const std::string& word,
+                ProgressChannel& channel) {
+    const auto start = Clock::now();
+    const ResolvedView view = session.view(word);
+    const fs::path image = output_path(options, options.operands.front(), view.name);
+    check_output(image, options.force);
+    store_request(options, session.host().database(), view, image);
+
+    print_phase(options, "extract");
+    acedCommand("RENDER 1030");
+    using ProcessId = std::int64_t (*)();
+    const auto last_process =
+        reinterpret_cast<ProcessId>(session.host().add_on_symbol("omb_last_process_id"));
+    const std::int64_t process = last_process();
+    if (interrupts_received() > 0 && process == 0) {
+        return interrupted_code();
+    }
+    if (process == 0) {
+        throw Failure{kFailed, fmt::format("{}: the batch process was not started: {}",
+                                           options.operands.front(),
+                                           last_words(session.port().transcript()))};
+    }
+    if (options.verbosity > 0) {
+        fmt::print(stderr, "qorvane: extracted in {:.2f} s\n", seconds_since(start));
+    }
+    ProgressPrinter printer(options.progress, options.quiet);
+    const int code = follow_process(process, options.time_seconds, channel, printer);
+    if (!options.quiet && options.progress != "ndjson") {
+        std::error_code failed;
+        for (const std::string& output : printer.outputs()) {
+            const fs::path shown = fs::proximate(output, failed);
+            fmt::print("{}{} in {:.0f} s, {} warning{}\n",
+                       failed || shown.empty() || *shown.begin() == ".." ? output : shown.string(),
+                       code == kDone ? "" : " (unfinished)", seconds_since(start),
+                       printer.warnings(), printer.warnings() == 1 ? "" : "s");
+        }
+    }
+    return code;
+}
+
+} // namespace
+
+int run_render(const Options& options) {
+    check_flags(options);
+    // What can be known to fail is told before the work begins.
+    for (const std::string& word : views_of(options)) {
+        check_output(output_path(options, options.operands.front(), word), options.force);
+    }
+    choose_batch_folder(options);
+    install_interrupt_handlers();
+    ProgressChannel channel;
+    std::string error;
+    if (!channel.open(error)) {
+        throw Failure{kFailed, error};
+    }
+    print_phase(options, "read");
+    RenderSession session(options);
+    for (const std::string& word : views_of(options)) {
+        const int code = render_view(options, session, word, channel);
+        if (code != kDone) {
+            return code;
+        }
+    }
+    return kDone;
+}
+
+int run_extract(const Options& options) {
+    choose_batch_folder(options);
+    install_interrupt_handlers();
+    print_phase(options, "read");
+    RenderSession session(options);
+    const ResolvedView view = session.view(views_of(options).front());
+    store_request(options, session.host().database(), view, {});
+    print_phase(options, "extract");
+    using Extract = int (*)();
+    const auto extract =
+        reinterpret_cast<Extract>(session.host().add_on_symbol("omb_extract_batch_folder"));
+    if (extract() != 1) {
+        if (interrupts_received() > 0) {
+            return interrupted_code();
+        }
+        throw Failure{kFailed, fmt::format("{}: the batch folder was not written: {}",
+                                           options.operands.front(),
+                                           last_words(session.port().transcript()))};
+    }
+    return kDone;
+}
+
+} // namespace apps

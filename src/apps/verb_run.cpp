@@ -1,0 +1,47 @@
+// `qorvane run`: host command lines from a script or from standard input.
+#include "apps/exit_codes.h"
+#include "apps/host_session.h"
+#include "apps/verbs.h"
+
+#include <fstream>
+#include <iostream>
+
+#include <fmt/format.h>
+
+namespace apps {
+
+int run_script(const Options& options) {
+    std::ifstream file;
+    if (!options.script.empty()) {
+        file.open(options.script);
+        if (!file) {
+            throw Failure{kUnreadable, fmt::format("{}: cannot be read", options.script)};
+        }
+    }
+    std::istream& script = options.script.empty() ? std::cin : file;
+    install_interrupt_handlers();
+    TerminalPort port(&script, !options.quiet);
+    AcEdInputPort* const old_port = acedSetInputPort(&port);
+    HostSession session(options.operands.front());
+    session.load_add_on();
+    int code = kDone;
+    std::string line;
+    int number = 0;
+    while (interrupts_received() == 0 && std::getline(script, line)) {
+        ++number;
+        const std::size_t first = line.find_first_not_of(" \t\r");
+        if (first == std::string::npos || line[first] == ';') {
+            continue;
+        }
+        if (!acedCommand(line)) {
+            fmt::print(stderr, "qorvane: {}: unknown or failed command '{}' (line {})\n",
+                       options.script.empty() ? "standard input" : options.script, line, number);
+            code = kFailed;
+        }
+    }
+    std::cout << std::flush;
+    acedSetInputPort(old_port);
+    return interrupts_received() > 0 ? 128 + first_interrupt_signal() : code;
+}
+
+} // namespace apps

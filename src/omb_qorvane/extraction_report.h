@@ -1,0 +1,21 @@
+// What an extraction met and could not write, counted for the user.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+struct cl_extraction_report {
+    std::uint64_t lights = 0;         ///< host lights that are on
+    std::uint64_t plants = 0;         ///< plants of any kind
+    std::uint64_t rpc_objects = 0;    ///< objects of the optional plug-in
+    std::uint64_t ground_covers = 0;  ///< entities with a ground cover
+    std::uint64_t image_decals = 0;   ///< raster images
+    std::uint64_t object_decals = 0;  ///< decals attached to entities
+    std::uint64_t bad_primitives = 0; ///< with a coordinate that is no finite number
+    std::uint64_t bad_faces = 0;      ///< faces of shells that name no vertex of theirs
+    std::uint64_t no_layer = 0;       ///< entities whose layer cannot be read
+    std::uint64_t missing_blocks = 0; ///< references of blocks that cannot be read
+
+    /// Lines for the command line, each with a line feed in front; empty when nothing was met.
+    std::string text() const;
+};

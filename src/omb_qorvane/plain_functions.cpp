@@ -1,0 +1,99 @@
+// The functions that other programs call.
+#include "omb_qorvane/plain_functions.h"
+
+#include "omb_qorvane/OMB_Qorvane.h"
+#include "omb_qorvane/driver.h"
+
+#include <algorithm>
+#include <exception>
+
+namespace {
+
+std::string text_of(const char* text) { return text != nullptr ? text : ""; }
+
+/// Exceptions end at the border of the module.
+template <class Work>
+int guarded(int on_failure, Work&& work) {
+    if (theApp_instance == nullptr) {
+        return on_failure;
+    }
+    try {
+        return work();
+    } catch (const std::exception& e) {
+        theApp().omb_export.last_error = e.what();
+        acutPrintf(std::string("\n") + e.what() + "\n");
+        return on_failure;
+    }
+}
+
+} // namespace
+
+extern "C" {
+
+int omb_green_button(const char* code, const char* defaults) {
+    return guarded(0, [&] {
+        first_use();
+        return run_green_button(text_of(code), text_of(defaults));
+    });
+}
+
+int omb_oem_button(const char* code, const char* defaults) {
+    return guarded(0, [&] {
+        first_use();
+        acutPrintf("\nThe options dialog is not there yet.\n");
+        return run_green_button(text_of(code), text_of(defaults));
+    });
+}
+
+int omb_set_background(const char* file, double xscale, double yscale) {
+    return guarded(0, [&] {
+        cl_omb_export& exporter = theApp().omb_export;
+        exporter.background_file = text_of(file);
+        exporter.background_xscale = xscale;
+        exporter.background_yscale = yscale;
+        return 1;
+    });
+}
+
+int omb_add_search_path_for_FindFile(const char* folder) {
+    return guarded(0, [&] {
+        std::vector<std::string>& folders = theApp().omb_export.find_file_folders;
+        const std::string name = text_of(folder);
+        if (name.empty()) {
+            return 0;
+        }
+        if (std::find(folders.begin(), folders.end(), name) == folders.end()) {
+            folders.push_back(name);
+        }
+        return 1;
+    });
+}
+
+int omb_extract_batch_folder(void) {
+    return guarded(-1, [] {
+        first_use();
+        return plain_start(start_after_dialog, EXTRACT_FOLDER_ONLY);
+    });
+}
+
+std::int64_t omb_last_process_id(void) {
+    return theApp_instance != nullptr ? theApp().omb_export.last_process_id : 0;
+}
+
+const char* omb_last_error(void) {
+    return theApp_instance != nullptr ? theApp().omb_export.last_error.c_str() : "";
+}
+
+void omb_set_progress(int (*progress)(std::int64_t, std::int64_t, void*), void* data) {
+    if (theApp_instance == nullptr) {
+        return;
+    }
+    theApp().progress = nullptr;
+    if (progress != nullptr) {
+        theApp().progress = [=](std::int64_t done, std::int64_t total) {
+            return progress(done, total, data) != 0;
+        };
+    }
+}
+
+} // extern "C"

@@ -1,0 +1,52 @@
+// The report of a scan. Nothing gives it a path in this system, so that it is not written; the
+// results of a scan stay in memory.
+#include "host/db/symbol_tables.h"
+#include "omb_qorvane/layer_facts.h"
+#include "omb_qorvane/record_text.h"
+#include "omb_qorvane/the_app.h"
+#include "omb_qorvane/trait_resolution.h"
+
+namespace {
+
+void write_layers(cl_output_file& file, AcDbDatabase& database) {
+    cl_layer_cache layers;
+    for (const AcDbObjectId id : database.layerTable().records()) {
+        const AcDbObjectPointer<AcDbLayerTableRecord> layer(id);
+        if (!layer) {
+            continue;
+        }
+        const std::uint32_t color = colr_value(layers.find(id).color);
+        file.write_fmt("MATL,%s\nCOLI,%d\nCOLR,%d, 0x%06X\nEND_MATL,%s\n#;\n", layer->getName(),
+                       layer->color().colorIndex(), color, color, layer->getName());
+    }
+}
+
+} // namespace
+
+void cl_omb_export::write_scan_report() {
+    if (map_file_path.empty() || !map_file.open_atomic(map_file_path)) {
+        return;
+    }
+    map_file.write_fmt("SAPP,%s\nFOLDER,.\\Materials\nAPPLICATION_FOLDER,%s\n",
+                       green_button_info(green_button_app).calling_app,
+                       theApp().somb_support_folder);
+    write_layers(map_file, *acdbCurDwg());
+    for (const AcDbObjectId id : layer_ids) {
+        const AcDbObjectPointer<AcDbLayerTableRecord> layer(id);
+        map_file.write_fmt("LAYR,%s\n", layer ? layer->getName() : std::string());
+    }
+    for (const int index : index_colors) {
+        map_file.write_fmt("LAYR,%s\n", color_index_key(index));
+    }
+    for (const std::uint32_t bgr : rgb_colors) {
+        map_file.write_fmt("LAYR,RGB:(%d,%d,%d)\n", bgr & 0xff, bgr >> 8 & 0xff, bgr >> 16 & 0xff);
+    }
+    if (layer_ids.empty() && index_colors.empty() && rgb_colors.empty()) {
+        int number = 0;
+        for (const std::string& key : material_layer_array) {
+            map_file.write_fmt("%d. LAYR,%s\n", number++, key);
+        }
+    }
+    map_file.write_fmt("LAYR,Qor_Ground_Plane\nLAYR,Qor_Default_Color\nMCUR,%s\n", mat_map_folder);
+    map_file.close();
+}

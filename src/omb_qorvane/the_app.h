@@ -1,0 +1,46 @@
+// `theApp`: the one application object of the module, made and taken away with it.
+#pragma once
+
+#include "omb_qorvane/omb_export.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+/// Receives how far an extraction is, in entities. False asks it to stop.
+using extraction_progress = std::function<bool(std::int64_t done, std::int64_t total)>;
+
+/// A box that says what is being waited for.
+class cl_progress_dialog {
+public:
+    virtual ~cl_progress_dialog() = default;
+    virtual void show(const std::string& title, const std::string& text) = 0;
+};
+
+class cl_omb_qorvane_app {
+public:
+    explicit cl_omb_qorvane_app(const std::string& module_folder);
+
+    /// Takes toolkit and document afresh. False without a current document.
+    bool refresh_document();
+
+    CTsAcToolkit* tstoolkit = nullptr;
+    CTsAcDoc* tsdoc = nullptr;      ///< of the current drawing
+    std::string application_folder; ///< of the module
+    std::string somb_support_folder;
+    std::string batch_exe_folder;
+    int dialog_units = 1; ///< unit of lengths in dialogs: 1 inches, 11 metric
+    std::unique_ptr<cl_progress_dialog> progress_dialog; ///< null when none is up
+    extraction_progress progress;                        ///< may be empty
+    cl_omb_export omb_export;
+};
+
+/// Null before start_omb_qorvane and after stop_omb_qorvane.
+extern std::unique_ptr<cl_omb_qorvane_app> theApp_instance;
+inline cl_omb_qorvane_app& theApp() { return *theApp_instance; }
+
+/// The folder beside the module's own: when that is "omb_bin" (the last seven characters, compared
+/// without case), its place is taken by `name`; otherwise the module folder stands for it.
+std::string sibling_folder(const std::string& module_folder, const std::string& name);
+/// The folder of the module that holds this code.
+std::string own_module_folder();

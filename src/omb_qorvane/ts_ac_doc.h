@@ -1,0 +1,83 @@
+// `CTsAcDoc`: the render document of one drawing, and `CTsAcToolkit`, which hands it out.
+#pragma once
+
+#include "Kestra_Qor/tsdoc.h"
+#include "host/ed/document.h"
+#include "host/ge/ge.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+class AcDbEntity;
+struct TSAC_LM_CALLBACK_INFO;
+using TsAcCallback = int (*)(TSAC_LM_CALLBACK_INFO*);
+
+class CTsAcDoc : public cl_tsdoc {
+public:
+    explicit CTsAcDoc(AcApDocument* document);
+    AcApDocument* Document() const { return document_; }
+    AcDbDatabase* Database() const { return document_->database(); }
+
+    /// The table's rows: all materials of the drawing in dictionary order. m_Materials has the
+    /// converted material of each row, nameless where the host's cannot be opened.
+    void BuildTsAcMatTable();
+    const std::vector<AcDbObjectId>& MaterialRows() const { return rows_; }
+    /// The object that holds the toolkit material attached to a host material. Drawings of this
+    /// host hold none, so the answer is always false.
+    bool GetTsAcMaterial(AcDbObjectId material, AcDbObjectId& object) const;
+
+    // What the toolkit knows of an entity; without plants, lamps and covers: nothing.
+    bool IsPlant(const AcDbEntity&) const { return false; }
+    bool IsLight(const AcDbEntity&) const { return false; }
+    int IsGroundcover(const AcDbEntity&) const { return 0; }
+    int GetGroupId(const AcDbEntity&) const { return -1; }
+
+    using CTsDoc::PushTransform;
+    void PushTransform(const AcGeMatrix3d& model_to_parent);
+    AcGeMatrix3d ModelToWorldTransform() const;
+    AcGeMatrix3d WorldToModelTransform() const;
+
+    /// Kept for the toolkit; nothing here calls it.
+    void SetCallback(TsAcCallback callback, void* data) {
+        callback_ = callback;
+        callback_data_ = data;
+    }
+    void FreeObjectBuffer() { m_ObjectIndex = m_ObjectCount = 0; }
+
+private:
+    AcApDocument* document_;
+    std::vector<AcDbObjectId> rows_;
+    TsAcCallback callback_ = nullptr;
+    void* callback_data_ = nullptr;
+};
+
+/// The view of a document: its camera comes from the active viewport of the drawing.
+class CTsAcView {
+public:
+    explicit CTsAcView(CTsAcDoc& document)
+      : document_(document) {}
+    /// Reads the camera into the document's view, in metres. False without a viewport.
+    bool TakeSettings();
+
+private:
+    CTsAcDoc& document_;
+};
+
+class CTsAcToolkit {
+public:
+    /// The render document of the host's current document, made at the first call; null without a
+    /// current document.
+    CTsAcDoc* CurrentDocument();
+    /// Drops what belongs to a document that goes away.
+    void DocumentClosed(AcApDocument* document);
+
+private:
+    std::vector<std::unique_ptr<CTsAcDoc>> documents_;
+};
+
+/// The toolkit object of the process.
+CTsAcToolkit* TsAcToolkit();
+/// Makes it and takes it away, with the module.
+void StartTsAcToolkit();
+void StopTsAcToolkit();

@@ -1,0 +1,305 @@
+// The programs as a user runs them: arguments in, files and exit codes out.
+#include "platform/files.h"
+#include "platform/process.h"
+
+#include <OpenImageIO/imageio.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <thread>
+
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// A red box on a grey slab, 3DFACEs of an old release, in a form that any reader takes.
+std::string small_drawing() {
+    std::string text = "0\nSECTION\n2\nENTITIES\n";
+    const auto face = [&](const char* layer, int color, std::initializer_list<double> points) {
+        text += "0\n3DFACE\n8\n" + std::string(layer) + "\n62\n" + std::to_string(color) + "\n";
+        int code = 10, axis = 0;
+        for (const double value : points) {
+            std::ostringstream number;
+            number << value;
+            text += std::to_string(code + axis * 10) + "\n" + number.str() + "\n";
+            code += axis == 2 ? 1 : 0;
+            axis = (axis + 1) % 3;
+        }
+    };
+    face("Slab", 8, {-5, -5, 0, 5, -5, 0, 5, 5, 0, -5, 5, 0});
+    face("Box", 1, {-1, -1, 0, 1, -1, 0, 1, -1, 2, -1, -1, 2});
+    face("Box", 1, {1, -1, 0, 1, 1, 0, 1, 1, 2, 1, -1, 2});
+    face("Box", 1, {-1, -1, 2, 1, -1, 2, 1, 1, 2, -1, 1, 2});
+    return text + "0\nENDSEC\n0\nEOF\n";
+}
+
+struct Outcome {
+    int code = -1;
+    std::string out, err;
+};
+
+class Programs : public ::testing::Test {
+protected:
+    void SetUp() override {
+        std::string pattern = (fs::temp_directory_path() / "qorvane_programs_XXXXXX").string();
+        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+        folder_ = pattern;
+        setenv("QORVANE_HOME", (folder_ / "home").c_str(), 1);
+        unsetenv("DISPLAY");
+        unsetenv("WAYLAND_DISPLAY");
+        write("box.dxf", small_drawing());
+    }
+    void TearDown() override {
+        std::error_code ignored;
+        fs::permissions(folder_, fs::perms::owner_all, ignored);
+        fs::remove_all(folder_, ignored);
+    }
+    fs::path write(const std::string& name, const std::string& text) {
+        std::ofstream(folder_ / name, std::ios::binary) << text;
+        return folder_ / name;
+    }
+    std::string read(const fs::path& path) const {
+        std::ifstream in(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), {}};
+    }
+    static fs::path program() { return fs::path(QORVANE_BUILD_DIR) / "omb_bin" / "qorvane"; }
+    std::int64_t start(const std::vector<std::string>& arguments) {
+        std::vector<std::string> words{"-c", R"(exec "$0" "$@" > out.txt 2> err.txt)",
+                                       program().string()};
+        words.insert(words.end(), arguments.begin(), arguments.end());
+        std::string error;
+        const auto started = platform::start_process("/bin/sh", words, folder_, error);
+        EXPECT_TRUE(started) << error;
+        return started ? started->process_id : 0;
+    }
+    Outcome finish(std::int64_t process) {
+        Outcome outcome;
+        outcome.code = platform::wait_process(process, 240).value_or(-1);
+        outcome.out = read(folder_ / "out.txt");
+        outcome.err = read(folder_ / "err.txt");
+        return outcome;
+    }
+    Outcome run(const std::vector<std::string>& arguments) { return finish(start(arguments)); }
+    std::vector<float> pixels(const fs::path& path, OIIO::ImageSpec& spec) {
+        auto in = OIIO::ImageInput::open(path.string());
+        EXPECT_TRUE(in) << path << ": " << OIIO::geterror();
+        if (!in) {
+            return {};
+        }
+        spec = in->spec();
+        std::vector<float> data(static_cast<std::size_t>(spec.width) * spec.height *
+                                spec.nchannels);
+        in->read_image(0, 0, 0, spec.nchannels, OIIO::TypeDesc::FLOAT, data.data());
+        return data;
+    }
+    bool no_leftovers(const fs::path& folder) {
+        for (const auto& entry : fs::directory_iterator(folder)) {
+            if (entry.path().string().ends_with(".tmp")) {
+                return false;
+            }
+        }
+        return true;
+    }
+    fs::path folder_;
+};
+
+TEST_F(Programs, RenderMakesAPictureOfTheDrawing) {
+    const Outcome r = run({"render", "box.dxf", "-s", "120x80", "--passes", "2"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_NE(r.out.find("box.png"), std::string::npos) << r.out;
+    OIIO::ImageSpec spec;
+    const std::vector<float> data = pixels(folder_ / "box.png", spec);
+    ASSERT_EQ(spec.width, 120);
+    ASSERT_EQ(spec.height, 80);
+    // The middle shows the red box; the top corners show sky; nothing is black or burnt out.
+    const auto at = [&](int x, int y, int c) {
+        return data[(static_cast<std::size_t>(y) * spec.width + x) * spec.nchannels + c];
+    };
+    EXPECT_GT(at(60, 42, 0), 1.5 * at(60, 42, 1)) << "the box is red";
+    EXPECT_GT(at(4, 2, 2), 0.2) << "the sky is not dark";
+    EXPECT_NE(read(folder_ / "box.png").find("Qorvane"), std::string::npos)
+        << "the picture names the program";
+    EXPECT_TRUE(no_leftovers(folder_));
+    EXPECT_EQ(run({"render", "box.dxf", "-s", "60x40", "--passes", "1"}).code, 0)
+        << "a picture of ours may be replaced";
+}
+
+TEST_F(Programs, PixelsDoNotDependOnThreads) {
+    ASSERT_EQ(run({"render", "box.dxf", "-s", "96x64", "--passes", "2", "-j1", "-o", "a.exr"}).code,
+              0);
+    ASSERT_EQ(run({"render", "box.dxf", "-s", "96x64", "--passes", "2", "-j2", "-o", "b.exr"}).code,
+              0);
+    OIIO::ImageSpec a, b;
+    EXPECT_EQ(pixels(folder_ / "a.exr", a), pixels(folder_ / "b.exr", b));
+}
+
+TEST_F(Programs, ExtractingTwiceGivesEqualBytesButForTheTime) {
+    ASSERT_EQ(run({"extract", "box.dxf", "--batch-folder", "one"}).code, 0);
+    ASSERT_EQ(run({"extract", "box.dxf", "--batch-folder", "two"}).code, 0);
+    const auto without_time = [&](const fs::path& path) {
+        std::istringstream in(read(path));
+        std::string line, text;
+        for (int number = 1; std::getline(in, line); ++number) {
+            text += number == 2 ? "#;time\n" : line + "\n";
+        }
+        return text;
+    };
+    const std::string one = without_time(folder_ / "one" / "batch_file.txt");
+    EXPECT_EQ(one, without_time(folder_ / "two" / "batch_file.txt"));
+    EXPECT_NE(one.find("\nEND;\n"), std::string::npos);
+    for (const char* name : {"qor_view.txt", "option_globals.txt"}) {
+        EXPECT_EQ(read(folder_ / "one" / name), read(folder_ / "two" / name)) << name;
+        EXPECT_FALSE(read(folder_ / "one" / name).empty()) << name;
+    }
+    EXPECT_TRUE(fs::exists(folder_ / "one" / "qor_render_params.txt"));
+    EXPECT_TRUE(fs::exists(folder_ / "one" / "qor_doc.xml"));
+}
+
+struct BadInput {
+    const char* name;
+    const char* bytes; ///< null: a folder
+    int code;
+    const char* words;
+};
+
+TEST_F(Programs, BadInputsGiveOneClearLineAndTheirCode) {
+    const BadInput cases[] = {
+        {"empty.dxf", "", 3, "empty"},
+        {"picture.dxf", "\x89PNG\r\n\x1a\n and so on", 3, "not a DXF file"},
+        {"letter.dxf", "Dear Sir,\n\nthe house is finished.\n", 3, "not a DXF file"},
+        {"folder.dxf", nullptr, 3, "directory"},
+    };
+    for (const BadInput& bad : cases) {
+        if (bad.bytes == nullptr) {
+            fs::create_directory(folder_ / bad.name);
+        } else {
+            write(bad.name, bad.bytes);
+        }
+        for (const char* verb : {"render", "inspect"}) {
+            const Outcome r = run({verb, bad.name});
+            EXPECT_EQ(r.code, bad.code) << verb << " " << bad.name;
+            EXPECT_NE(r.err.find(bad.words), std::string::npos) << r.err;
+            EXPECT_EQ(r.err.find(std::string("qorvane: ") + bad.name), 0U) << r.err;
+            EXPECT_EQ(std::count(r.err.begin(), r.err.end(), '\n'), 1) << r.err;
+        }
+    }
+    const Outcome missing = run({"render", "none.dxf"});
+    EXPECT_EQ(missing.code, 3);
+    EXPECT_EQ(missing.err, "qorvane: none.dxf: No such file or directory\n");
+}
+
+TEST_F(Programs, OutputsThatCannotBeWrittenAreToldBeforeTheWork) {
+    EXPECT_EQ(run({"render", "box.dxf", "-o", "no/such/folder/a.png"}).code, 5);
+    EXPECT_EQ(run({"render", "box.dxf", "-o", "a.bmpx"}).code, 2);
+    write("mine.png", "a picture that someone else made");
+    const Outcome kept = run({"render", "box.dxf", "-o", "mine.png"});
+    EXPECT_EQ(kept.code, 5);
+    EXPECT_NE(kept.err.find("--force replaces it"), std::string::npos);
+    EXPECT_EQ(read(folder_ / "mine.png"), "a picture that someone else made");
+    EXPECT_EQ(
+        run({"render", "box.dxf", "-o", "mine.png", "--force", "-s", "60x40", "--passes", "1"})
+            .code,
+        0);
+    write("file", "");
+    EXPECT_EQ(run({"extract", "box.dxf", "--batch-folder", "file/below"}).code, 5);
+}
+
+TEST_F(Programs, AnInterruptSavesThePictureSoFar) {
+    const std::int64_t process =
+        start({"render", "box.dxf", "-s", "400x300", "--passes", "30000", "--progress", "ndjson"});
+    for (int i = 0; i < 1200; ++i) {
+        if (read(folder_ / "out.txt").find("\"progress\"") != std::string::npos) {
+            break;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    ASSERT_TRUE(platform::interrupt_process(process));
+    const Outcome r = finish(process);
+    EXPECT_EQ(r.code, 130) << r.err;
+    OIIO::ImageSpec spec;
+    EXPECT_EQ(pixels(folder_ / "box.png", spec).size(), 400U * 300 * 3);
+    EXPECT_TRUE(no_leftovers(folder_));
+}
+
+TEST_F(Programs, ATimeLimitEndsWellWithThePicture) {
+    const Outcome r =
+        run({"render", "box.dxf", "-s", "200x150", "--passes", "30000", "--time", "2"});
+    EXPECT_EQ(r.code, 0) << r.err;
+    EXPECT_TRUE(fs::exists(folder_ / "box.png"));
+}
+
+TEST_F(Programs, ProgressLinesAreJson) {
+    const Outcome r =
+        run({"render", "box.dxf", "-s", "60x40", "--passes", "2", "--progress", "ndjson"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    std::istringstream lines(r.out);
+    std::string line, last;
+    std::set<std::string> seen;
+    while (std::getline(lines, line)) {
+        const auto json = nlohmann::json::parse(line, nullptr, false);
+        ASSERT_TRUE(json.is_object()) << line;
+        last = json.value("event", "");
+        seen.insert(last);
+    }
+    EXPECT_EQ(last, "end");
+    for (const char* event : {"start", "phase", "progress", "image"}) {
+        EXPECT_TRUE(seen.contains(event)) << event;
+    }
+}
+
+TEST_F(Programs, InspectTellsFactsAsJson) {
+    const Outcome r = run({"inspect", "box.dxf", "--json"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    const auto json = nlohmann::json::parse(r.out, nullptr, false);
+    ASSERT_TRUE(json.is_object()) << r.out;
+    EXPECT_EQ(json["modelspace"]["3DFACE"], 4);
+    EXPECT_TRUE(json["layers"].contains("Slab"));
+    EXPECT_EQ(json["extents_plain"][1][2], 2.0);
+}
+
+TEST_F(Programs, ConvertKeepsEveryByteAndNeverOverwritesUnasked) {
+    ASSERT_EQ(run({"convert", "box.dxf", "copy.dxf"}).code, 0);
+    EXPECT_EQ(read(folder_ / "copy.dxf"), small_drawing());
+    EXPECT_EQ(run({"convert", "box.dxf", "copy.dxf"}).code, 5);
+    ASSERT_EQ(run({"convert", "box.dxf", "b.dxf", "--binary"}).code, 0);
+    EXPECT_EQ(read(folder_ / "b.dxf").find("AutoCAD Binary DXF"), 0U);
+    ASSERT_EQ(run({"convert", "b.dxf", "back.dxf", "--ascii"}).code, 0);
+    const Outcome r = run({"inspect", "back.dxf", "--json"});
+    EXPECT_EQ(nlohmann::json::parse(r.out)["modelspace"]["3DFACE"], 4);
+}
+
+TEST_F(Programs, ScriptsRunHostCommands) {
+    write("script.txt", "; a comment\n\nQORB\nnonsense\n");
+    const Outcome r = run({"run", "box.dxf", "--script", "script.txt"});
+    EXPECT_EQ(r.code, 1) << "an unknown command fails the script";
+    EXPECT_NE(r.out.find("not there yet"), std::string::npos) << r.out;
+    EXPECT_NE(r.err.find("'nonsense' (line 4)"), std::string::npos) << r.err;
+}
+
+TEST_F(Programs, TheBatchProcessNeedsItsFolder) {
+    const fs::path batch = fs::path(QORVANE_BUILD_DIR) / "OMB_BATCH" / "KestraBatch64";
+    std::string error;
+    const auto wait = [&](const std::vector<std::string>& words) {
+        std::vector<std::string> shell{"-c", R"(exec "$0" "$@" > out.txt 2> err.txt)",
+                                       batch.string()};
+        shell.insert(shell.end(), words.begin(), words.end());
+        const auto started = platform::start_process("/bin/sh", shell, folder_, error);
+        return started ? platform::wait_process(started->process_id, 60).value_or(-1) : -1;
+    };
+    EXPECT_EQ(wait({}), 2);
+    EXPECT_EQ(wait({"none/qor_render_params.txt"}), 3);
+    ASSERT_EQ(run({"extract", "box.dxf", "--batch-folder", "folder"}).code, 0);
+    fs::remove(folder_ / "folder" / "batch_file.txt");
+    EXPECT_EQ(wait({"folder/qor_render_params.txt"}), 4);
+    EXPECT_NE(read(folder_ / "err.txt").find("batch_file.txt"), std::string::npos);
+}
+
+} // namespace
