@@ -91,7 +91,7 @@ private:
     TagReader reader_;
     std::vector<Tag> tags_;
     Tag pending_;
-    bool has_pending_ = false, ended_ = false, found_any_ = false, broken_ = false;
+    bool has_pending_ = false, ended_ = false, found_any_ = false;
     const char* object_end_ = nullptr;
     Place place_ = Place::kOutside;
     bool in_table_ = false, outside_told_ = false;

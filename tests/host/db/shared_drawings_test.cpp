@@ -74,6 +74,28 @@ TEST_P(SharedDrawing, IsWrittenByteForByte) {
     EXPECT_TRUE(save(*db) == read_file(GetParam()));
 }
 
+/// Opened to be written without a change, no object differs; recoloured, all are read again so.
+TEST_P(SharedDrawing, EntitiesCanBeChanged) {
+    const auto db = open_drawing(GetParam());
+    const auto each_entity = [](AcDbDatabase& drawing, auto visit) {
+        for (const AcDbObjectId block : drawing.blockTable().records()) {
+            const AcDbObjectPointer<AcDbBlockTableRecord> record(block);
+            for (std::size_t i = 0; record && i < record->entities().size(); ++i) {
+                AcDbObjectPointer<AcDbEntity> entity(record->entities()[i], AcDb::kForWrite);
+                ASSERT_TRUE(entity);
+                visit(*entity);
+            }
+        }
+    };
+    each_entity(*db, [](AcDbEntity&) {});
+    ASSERT_TRUE(save(*db) == read_file(GetParam()));
+    each_entity(*db, [](AcDbEntity& entity) { entity.setColor(AcCmEntityColor::index(42)); });
+    const auto again = load(save(*db));
+    EXPECT_EQ(findings(*again).empty(), findings(*db).empty());
+    EXPECT_EQ(dxf::collect_facts(*again).modelspace, dxf::collect_facts(*db).modelspace);
+    each_entity(*again, [](AcDbEntity& entity) { EXPECT_EQ(entity.colorIndex(), 42); });
+}
+
 TEST_P(SharedDrawing, KeepsItsTagsThroughTheOtherForms) {
     const std::string source = read_file(GetParam());
     const auto binary = save(*open_drawing(GetParam()), AcDbDxfForm::kBinary);
