@@ -22,6 +22,7 @@ double mm(double metres) { return std::round(metres * 10000.0) / 10.0 + 0.0; }
 Point mm(const Point& p) { return {mm(p.x), mm(p.y), mm(p.z)}; }
 
 constexpr std::int16_t kMillimetres = 4; // $INSUNITS
+constexpr double kGlassIndex = 1.52;
 constexpr int kMeshFlag = 16, kMeshVertexFlag = 64, kClosedColumns = 32;
 constexpr int kPolyFaceFlag = 64;
 
@@ -44,31 +45,66 @@ void object_axes(const Vector& normal, Vector& x, Vector& y) {
 
 } // namespace
 
+/// Paints and layers enter the drawing when something uses them.
 struct DrawingImpl {
     struct Paint {
-        AcDbObjectId material;
         std::uint32_t rgb = 0;
+        double gloss = 0, reflectivity = 0, opacity = 1;
+        AcDbObjectId material;
+    };
+    struct Layer {
+        std::string paint;
+        int aci = 0;
+        AcDbObjectId record;
     };
     AcDbDatabase database;
     std::map<std::string, Paint> paints;
-    std::map<std::string, AcDbObjectId> layers;
+    std::map<std::string, Layer> layers;
     std::map<std::string, std::size_t> block_names;
     std::vector<AcDbObjectId> spaces;
 
-    const Paint& paint(const std::string& name) const {
+    const Paint& paint(const std::string& name) {
         const auto found = paints.find(name);
         if (found == paints.end()) {
             throw std::runtime_error("no paint of the name " + name);
         }
-        return found->second;
+        Paint& paint = found->second;
+        if (paint.material.isNull()) {
+            auto material = std::make_unique<AcDbMaterial>();
+            material->setName(name);
+            material->setDiffuseColor(paint.rgb);
+            material->setSpecularGloss(paint.gloss);
+            material->setReflectivity(paint.reflectivity);
+            material->setOpacity(paint.opacity);
+            material->setRefraction(paint.opacity < 1 ? kGlassIndex : 1);
+            AcDbObjectPointer<AcDbDictionary> dictionary(database.materialDictionaryId(),
+                                                         AcDb::kForWrite);
+            require(dictionary.openStatus(), "material dictionary");
+            require(dictionary->setAt(name, std::move(material), paint.material), name);
+        }
+        return paint;
     }
 
-    void dress(AcDbEntity& entity, const Look& look) const {
-        const auto layer = layers.find(look.layer);
-        if (layer == layers.end()) {
-            throw std::runtime_error("no layer of the name " + look.layer);
+    AcDbObjectId layer(const std::string& name) {
+        const auto found = layers.find(name);
+        if (found == layers.end()) {
+            throw std::runtime_error("no layer of the name " + name);
         }
-        require(entity.setLayer(layer->second), look.layer);
+        Layer& layer = found->second;
+        if (layer.record.isNull()) {
+            const Paint& look = paint(layer.paint);
+            auto record = std::make_unique<AcDbLayerTableRecord>();
+            record->setName(name);
+            record->setColor(layer.aci > 0 ? AcCmEntityColor::index(layer.aci)
+                                           : AcCmEntityColor::trueColor(look.rgb));
+            record->setMaterialId(look.material);
+            require(database.layerTable().add(std::move(record), layer.record), name);
+        }
+        return layer.record;
+    }
+
+    void dress(AcDbEntity& entity, const Look& look) {
+        require(entity.setLayer(layer(look.layer)), look.layer);
         if (look.paint == kByBlock) {
             entity.setColor(AcCmEntityColor::byBlock());
             entity.setMaterial(database.byBlockMaterial());
@@ -81,7 +117,7 @@ struct DrawingImpl {
         }
     }
 
-    void add(std::size_t space, std::unique_ptr<AcDbEntity> entity, const Look& look) const {
+    void add(std::size_t space, std::unique_ptr<AcDbEntity> entity, const Look& look) {
         dress(*entity, look);
         AcDbObjectPointer<AcDbBlockTableRecord> record(spaces[space], AcDb::kForWrite);
         require(record.openStatus(), "block");
@@ -224,35 +260,19 @@ void Space::array(const std::string& block, const Placement& placement, int colu
 Drawing::Drawing()
   : impl_(std::make_unique<DrawingImpl>()) {
     impl_->database.setInsunits(kMillimetres);
-    impl_->layers["0"] = impl_->database.layerZero();
+    impl_->layers["0"].record = impl_->database.layerZero();
     impl_->spaces.push_back(impl_->database.modelSpaceId());
 }
 
 Drawing::~Drawing() = default;
 
-void Drawing::paint(const std::string& name, std::uint32_t rgb, double gloss, double opacity) {
-    auto material = std::make_unique<AcDbMaterial>();
-    material->setName(name);
-    material->setDiffuseColor(rgb);
-    material->setSpecularGloss(gloss);
-    material->setOpacity(opacity);
-    AcDbObjectPointer<AcDbDictionary> dictionary(impl_->database.materialDictionaryId(),
-                                                 AcDb::kForWrite);
-    require(dictionary.openStatus(), "material dictionary");
-    AcDbObjectId id;
-    require(dictionary->setAt(name, std::move(material), id), name);
-    impl_->paints[name] = {id, rgb};
+void Drawing::paint(const std::string& name, std::uint32_t rgb, double gloss, double reflectivity,
+                    double opacity) {
+    impl_->paints[name] = {rgb, gloss, reflectivity, opacity, {}};
 }
 
 void Drawing::layer(const std::string& name, const std::string& paint, int aci) {
-    const DrawingImpl::Paint& look = impl_->paint(paint);
-    auto record = std::make_unique<AcDbLayerTableRecord>();
-    record->setName(name);
-    record->setColor(aci > 0 ? AcCmEntityColor::index(aci) : AcCmEntityColor::trueColor(look.rgb));
-    record->setMaterialId(look.material);
-    AcDbObjectId id;
-    require(impl_->database.layerTable().add(std::move(record), id), name);
-    impl_->layers[name] = id;
+    impl_->layers[name] = {paint, aci, {}};
 }
 
 Space Drawing::model() { return {impl_.get(), 0}; }

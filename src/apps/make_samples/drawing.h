@@ -83,9 +83,12 @@ class Drawing {
 public:
     Drawing();
     ~Drawing();
-    /// A colour with a material of that name. `rgb` is 0x00RRGGBB; gloss and opacity 0 to 1.
-    void paint(const std::string& name, std::uint32_t rgb, double gloss = 0.1, double opacity = 1);
-    /// A layer in a paint; with `aci` above 0 it keeps that index colour and its material too.
+    /// A colour with a material of that name, in the drawing once it is used. `rgb` is 0x00RRGGBB;
+    /// gloss, reflectivity and opacity 0 to 1; what is not opaque has the index of glass.
+    void paint(const std::string& name, std::uint32_t rgb, double gloss = 0.1,
+               double reflectivity = 0, double opacity = 1);
+    /// A layer in a paint, in the drawing once it is used; with `aci` above 0 it keeps that index
+    /// colour and its material too.
     void layer(const std::string& name, const std::string& paint, int aci = 0);
     Space model();
     Space block(const std::string& name); ///< made at the first call

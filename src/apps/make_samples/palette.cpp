@@ -9,7 +9,7 @@ namespace {
 struct PaintRow {
     const char* name;
     std::uint32_t rgb;
-    double gloss = 0.1, opacity = 1;
+    double gloss = 0.1, reflectivity = 0, opacity = 1;
 };
 
 constexpr PaintRow kPaints[] = {
@@ -53,7 +53,7 @@ constexpr PaintRow kPaints[] = {
     {"Earth", 0x6e5844},
     {"Gravel", 0xb4a994},
     {"Water", 0x2f5052, 0.95},
-    {"Glass", 0xa9bcbc, 0.95, 0.15},
+    {"Glass", 0xeef4f2, 1, 0.1, 0.05},
     {"Iron", 0x34353a, 0.5},
     {"Shutter", 0x6f8377, 0.3},
     {"White paint", 0xe4e1da, 0.4},
@@ -82,13 +82,13 @@ constexpr PaintRow kPaints[] = {
     {"Sandstone", 0xcdb592},
     {"Facade grey", 0xa6a9a8},
     {"Facade white", 0xdcd9d2},
-    {"Tower glass", 0x4b6470, 0.95},
-    {"Tower glass 2", 0x5a7380, 0.95},
-    {"Window dark", 0x39464d, 0.9},
+    {"Tower glass", 0x4b6470, 0.95, 0.35},
+    {"Tower glass 2", 0x5a7380, 0.95, 0.35},
+    {"Window dark", 0x39464d, 0.9, 0.3},
     {"Bronze", 0x7d6a52, 0.6},
-    {"Car red", 0x8f3b34, 0.9},
-    {"Car silver", 0xb6b8b9, 0.9},
-    {"Car blue", 0x3f566e, 0.9},
+    {"Car red", 0x8f3b34, 0.9, 0.15},
+    {"Car silver", 0xb6b8b9, 0.9, 0.15},
+    {"Car blue", 0x3f566e, 0.9, 0.15},
     {"Rubber", 0x2b2b2c},
     {"Line white", 0xd8d6cf},
     {"Gravel roof", 0x9d998f},
@@ -147,7 +147,7 @@ constexpr LayerRow kLayers[] = {
 
 void add_palette(Drawing& drawing) {
     for (const PaintRow& row : kPaints) {
-        drawing.paint(row.name, row.rgb, row.gloss, row.opacity);
+        drawing.paint(row.name, row.rgb, row.gloss, row.reflectivity, row.opacity);
     }
     for (const LayerRow& row : kLayers) {
         drawing.layer(row.name, row.paint, row.aci);

@@ -68,7 +68,9 @@ public:
     double opacity() const { return opacity_; } ///< 0 to 1
     void setOpacity(double opacity) { opacity_ = opacity; }
     double refraction() const { return refraction_; } ///< index, 1 for none
+    void setRefraction(double index) { refraction_ = index; }
     double reflectivity() const { return reflectivity_; }
+    void setReflectivity(double share) { reflectivity_ = share; }
     double selfIllumination() const { return self_illumination_; }
     const std::string& diffuseMapFile() const { return diffuse_map_; }
 
