@@ -221,6 +221,7 @@ void cl_omb_export::walk(extraction& run) {
 }
 
 void cl_omb_export::end_walk(extraction& run) {
+    last_mesh_count = static_cast<std::int64_t>(run.common->report.meshes);
     if (!scan_only) {
         const std::string not_written = run.common->report.text();
         if (!not_written.empty()) {

@@ -27,5 +27,8 @@ std::string cl_extraction_report::text() const {
             out += fmt::format("\n{} {}.", r.count, r.what);
         }
     }
+    if (meshes == 0) {
+        out += "\nNo entity of this drawing has a surface: the picture will be empty.";
+    }
     return out.empty() ? out : out + "\n";
 }

@@ -111,6 +111,8 @@ TEST_F(Folder, NothingToRenderAndNoDrawing) {
 TEST_F(Folder, InvisibleEntitiesStillStartAnEmptyStream) {
     square().setVisibility(AcDb::kInvisible);
     EXPECT_THAT(extract().meshes, IsEmpty());
+    EXPECT_THAT(port.written, HasSubstr("the picture will be empty.\n"));
+    EXPECT_EQ(theApp().omb_export.last_mesh_count, 0);
 }
 
 TEST_F(Folder, ProcessThatCannotStartIsSilent) {
