@@ -2,8 +2,10 @@
 // changed one writes are compared, and only the difference goes into the bytes of the span.
 #include "host/dxf/patch.h"
 
+#include "host/db/block_reference.h"
 #include "host/db/database_impl.h"
 #include "host/db/polylines.h"
+#include "host/db/unknown.h"
 #include "host/dxf/load_context.h"
 #include "host/dxf/object_tags.h"
 #include "host/dxf/reader.h"
@@ -149,6 +151,8 @@ std::unique_ptr<AcDbObject> Patcher::read_again(const Pieces& source) const {
     std::unique_ptr<AcDbObject> copy;
     if (const auto* record = dynamic_cast<const AcDbNamedRecord*>(&object_); record != nullptr) {
         copy = std::make_unique<AcDbNamedRecord>(record->dxfName());
+    } else if (AcDbUnknownEntity::cast(&object_) != nullptr) {
+        copy = std::make_unique<AcDbUnknownEntity>();
     } else {
         copy.reset(static_cast<AcDbObject*>(object_.isA()->create()));
     }
@@ -158,6 +162,13 @@ std::unique_ptr<AcDbObject> Patcher::read_again(const Pieces& source) const {
     LoadContext context(const_cast<AcDbDatabase&>(db_), document_, nullptr);
     const std::span<const Tag> all(tags);
     copy->dxfIn(ObjectTags(all.subspan(starts[0], starts[1] - starts[0]), context));
+    if (auto* reference = AcDbBlockReference::cast(copy.get()); reference != nullptr) {
+        for (const AcDbObjectId id : AcDbBlockReference::cast(&object_)->attributes()) {
+            if (id.isValid() && !DxfAccess::span(*id.stub()->object).empty()) {
+                reference->appendAttribute(id); // those of the file stand behind it as before
+            }
+        }
+    }
     auto* polyline = AcDbHeavyPolyline::cast(copy.get());
     for (std::size_t i = 1; polyline != nullptr && i + 1 < starts.size(); ++i) {
         const ObjectTags part(all.subspan(starts[i], starts[i + 1] - starts[i]), context);
