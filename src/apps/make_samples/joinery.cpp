@@ -26,9 +26,9 @@ void add_lights(Space& space, double width, double height, int lights, double ba
         const double x0 = -width / 2 + bar + i * light, x1 = x0 + light;
         const double y0 = kFrameBack + 0.015, y1 = kFrameFront - 0.015;
         frames.append(frame_mesh(x0 + 0.002, x1 - 0.002, bar, height - bar, bar * 0.8, y0, y1));
-        space.mesh(
-            box({x0 + bar * 0.7, 0.130, bar * 1.7}, {x1 - bar * 0.7, 0.138, height - bar * 1.7}),
-            {"Glass"});
+        const double a = x0 + bar * 0.7, b = x1 - bar * 0.7, pane = 0.135;
+        const double low = bar * 1.7, high = height - bar * 1.7;
+        space.face({a, pane, low}, {b, pane, low}, {b, pane, high}, {a, pane, high}, {"Glass"});
     }
     space.mesh(frames, {"Window frames"});
 }

@@ -53,7 +53,7 @@ constexpr PaintRow kPaints[] = {
     {"Earth", 0x6e5844},
     {"Gravel", 0xb4a994},
     {"Water", 0x2f5052, 0.95},
-    {"Glass", 0xeef4f2, 1, 0.1, 0.05},
+    {"Glass", 0xeef4f2, 1, 0.1, 0.02},
     {"Iron", 0x34353a, 0.5},
     {"Shutter", 0x6f8377, 0.3},
     {"White paint", 0xe4e1da, 0.4},
