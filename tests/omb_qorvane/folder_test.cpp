@@ -112,7 +112,7 @@ TEST_F(Folder, InvisibleEntitiesStillStartAnEmptyStream) {
     square().setVisibility(AcDb::kInvisible);
     EXPECT_THAT(extract().meshes, IsEmpty());
     EXPECT_THAT(port.written, HasSubstr("the picture will be empty.\n"));
-    EXPECT_EQ(theApp().omb_export.last_mesh_count, 0);
+    EXPECT_EQ(theApp().omb_export.last_face_count, 0);
 }
 
 TEST_F(Folder, ProcessThatCannotStartIsSilent) {
