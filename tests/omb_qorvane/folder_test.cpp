@@ -8,7 +8,9 @@
 #include "omb_qorvane/view_text.h"
 
 #include <cmath>
+#include <csignal>
 #include <fstream>
+#include <sys/resource.h>
 
 namespace {
 
@@ -93,6 +95,24 @@ TEST_F(Folder, StreamThatCannotBeWrittenIsMinusOne) {
     first_use();
     EXPECT_EQ(plain_start(start_after_dialog, EXTRACT_FOLDER_ONLY), -1);
     EXPECT_THAT(port.written, Not(HasSubstr("Rendering Started")));
+}
+
+TEST_F(Folder, FullDiskLeavesNoPartOfAStreamUnderItsName) {
+    for (int i = 0; i < 2000; ++i) {
+        square();
+    }
+    first_use();
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit small{200000, before.rlim_max}; // bytes; the stream needs four times as many
+    setrlimit(RLIMIT_FSIZE, &small);
+    const int answer = plain_start(start_after_dialog, EXTRACT_FOLDER_ONLY);
+    setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_EQ(answer, -1);
+    EXPECT_THAT(theApp().omb_export.last_error, HasSubstr("batch_file.txt"));
+    EXPECT_FALSE(fs::exists(folder / "batch_file.txt"));
+    EXPECT_FALSE(fs::exists(folder / "qor_view.txt"));
 }
 
 TEST_F(Folder, NothingToRenderAndNoDrawing) {
