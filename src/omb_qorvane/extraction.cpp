@@ -22,6 +22,7 @@ struct cl_omb_export::extraction {
     std::unique_ptr<CTsAcSubEntityTraits> traits;
     AcEdSelectionSet selection;
     double facetres = 0.5;
+    std::uint64_t faces_before = 0; ///< of the writer, when the walk began
 };
 
 cl_omb_export::cl_omb_export() = default;
@@ -57,7 +58,7 @@ int cl_omb_export::OMB_ExtractGeometryandRender(int mode, TsAcCallback callback,
         write_stream_header();
         write_material_list();
     }
-    extraction run{*theApp().tsdoc, {}, {}, {}, {}, {}, {}, 0.5};
+    extraction run{*theApp().tsdoc, {}, {}, {}, {}, {}, {}, 0.5, stream.face_count()};
     begin_walk(run, callback, callback_data);
     make_draw_objects(run);
     select_all(run);
@@ -221,7 +222,8 @@ void cl_omb_export::walk(extraction& run) {
 }
 
 void cl_omb_export::end_walk(extraction& run) {
-    last_mesh_count = static_cast<std::int64_t>(run.common->report.meshes);
+    run.common->report.faces = stream.face_count() - run.faces_before;
+    last_face_count = static_cast<std::int64_t>(run.common->report.faces);
     if (!scan_only) {
         const std::string not_written = run.common->report.text();
         if (!not_written.empty()) {

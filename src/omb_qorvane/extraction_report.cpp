@@ -8,26 +8,29 @@ std::string cl_extraction_report::text() const {
     struct row {
         std::uint64_t count;
         const char* what;
+        const char* fate;
     };
+    static constexpr const char* later = "not rendered yet";
+    static constexpr const char* dropped = "left out";
     const std::array<row, 10> rows{{
-        {lights, "lights are not rendered yet"},
-        {plants, "plants are not rendered yet"},
-        {rpc_objects, "RPC objects are not rendered yet"},
-        {ground_covers, "ground covers are not rendered yet"},
-        {image_decals, "raster images are not rendered yet"},
-        {object_decals, "decals are not rendered yet"},
-        {bad_primitives, "primitives with coordinates that are no numbers were left out"},
-        {bad_faces, "faces that name no vertex of their shell were left out"},
-        {no_layer, "entities whose layer cannot be read were left out"},
-        {missing_blocks, "references of blocks that cannot be read were left out"},
+        {lights, "light", later},
+        {plants, "plant", later},
+        {rpc_objects, "RPC object", later},
+        {ground_covers, "ground cover", later},
+        {image_decals, "raster image", later},
+        {object_decals, "decal", later},
+        {bad_primitives, "primitive with coordinates that are no numbers", dropped},
+        {bad_faces, "face that names no vertex of its shell", dropped},
+        {no_layer, "entity whose layer cannot be read", dropped},
+        {missing_blocks, "reference of a block that cannot be read", dropped},
     }};
     std::string out;
     for (const row& r : rows) {
         if (r.count > 0) {
-            out += fmt::format("\n{} {}.", r.count, r.what);
+            out += fmt::format("\n{} x {}: {}.", r.count, r.what, r.fate);
         }
     }
-    if (meshes == 0) {
+    if (faces == 0) {
         out += "\nNo entity of this drawing has a surface: the picture will be empty.";
     }
     return out.empty() ? out : out + "\n";

@@ -5,7 +5,7 @@
 #include <string>
 
 struct cl_extraction_report {
-    std::uint64_t meshes = 0;         ///< written
+    std::uint64_t faces = 0;          ///< triangles written
     std::uint64_t lights = 0;         ///< host lights that are on
     std::uint64_t plants = 0;         ///< plants of any kind
     std::uint64_t rpc_objects = 0;    ///< objects of the optional plug-in

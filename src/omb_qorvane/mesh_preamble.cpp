@@ -145,7 +145,6 @@ bool CTsAcGiGeometry::begin_mesh(std::string_view comment, bool own_texture_coor
         return false;
     }
     transform();
-    ++common_.report.meshes;
     out_.text(comment);
     out_.text("\nMESH;\n");
     out_.text(own_texture_coordinates ? "MPUV;1\n" : "MPUV;0\n");
@@ -169,7 +168,6 @@ bool CTsAcGiGeometry::begin_shell(bool own_texture_coordinates) {
         return false;
     }
     transform();
-    ++common_.report.meshes;
     common_.stack.start_new_block_if_nec(out_);
     out_.text("#;NEW MESH;\nMESH;\n#;ACAD SHELL;\nCULL;0\n");
     out_.text(own_texture_coordinates ? "MPUV;1\n" : "MPUV;0\n");

@@ -126,7 +126,7 @@ public:
     cl_stream_writer stream{batch_file};
     cl_material_name_table material_names;
     std::set<std::array<std::string, 4>> material_map_entries;
-    std::int64_t last_mesh_count = 0; ///< meshes that the last extraction wrote
+    std::int64_t last_face_count = 0; ///< triangles that the last extraction wrote
     std::string last_error; ///< of the extraction that ran last, in words; "" when it went well
 
 private:

@@ -84,8 +84,8 @@ const char* omb_last_error(void) {
     return theApp_instance != nullptr ? theApp().omb_export.last_error.c_str() : "";
 }
 
-std::int64_t omb_last_mesh_count(void) {
-    return theApp_instance != nullptr ? theApp().omb_export.last_mesh_count : 0;
+std::int64_t omb_last_face_count(void) {
+    return theApp_instance != nullptr ? theApp().omb_export.last_face_count : 0;
 }
 
 void omb_set_progress(int (*progress)(std::int64_t, std::int64_t, void*), void* data) {

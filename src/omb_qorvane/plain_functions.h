@@ -21,8 +21,8 @@ int omb_extract_batch_folder(void);
 std::int64_t omb_last_process_id(void);
 /// Why the last extraction ended early, in words; "" when it did not.
 const char* omb_last_error(void);
-/// Meshes that the last extraction wrote: 0 means an empty picture.
-std::int64_t omb_last_mesh_count(void);
+/// Triangles that the last extraction wrote: 0 means an empty picture.
+std::int64_t omb_last_face_count(void);
 /// Calls `progress(done, total, data)` now and then while entities are extracted; 0 from it stops
 /// the extraction. Null takes it away.
 void omb_set_progress(int (*progress)(std::int64_t done, std::int64_t total, void* data),

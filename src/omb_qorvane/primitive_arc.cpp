@@ -9,6 +9,7 @@ constexpr int arc_steps = 12; // whatever the sweep or the deviation
 
 bool CTsAcGiGeometry::circularArc(const AcGePoint3d&, const AcGePoint3d&, const AcGePoint3d&,
                                   AcGiArcType) {
+    // The words are known to users of the host and stay as they are.
     acutPrintf("\nTODO: CustomWorldGeometry::circularArc");
     return false;
 }

@@ -66,6 +66,7 @@ void cl_stream_writer::texture(double u, double v) {
 }
 
 void cl_stream_writer::face(std::int32_t a, std::int32_t b, std::int32_t c) {
+    ++faces_;
     char* out = put(room(3 * max_chars + 16), "FACE;");
     out = number_text::write_int(out, a);
     *out++ = ',';

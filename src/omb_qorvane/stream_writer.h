@@ -34,6 +34,7 @@ public:
     void texture(double u, double v);
     void add_vertex(std::int32_t index) { integer("ADDV;", index); }
     void face(std::int32_t a, std::int32_t b, std::int32_t c);
+    std::uint64_t face_count() const { return faces_; } ///< since the writer was made
 
 private:
     static constexpr std::size_t capacity = std::size_t{1} << 17;
@@ -55,4 +56,5 @@ private:
     cl_output_file& file_;
     std::unique_ptr<char[]> buffer_;
     std::size_t used_ = 0;
+    std::uint64_t faces_ = 0;
 };

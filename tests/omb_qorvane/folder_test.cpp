@@ -8,7 +8,9 @@
 #include "omb_qorvane/view_text.h"
 
 #include <cmath>
+#include <csignal>
 #include <fstream>
+#include <sys/resource.h>
 
 namespace {
 
@@ -95,6 +97,24 @@ TEST_F(Folder, StreamThatCannotBeWrittenIsMinusOne) {
     EXPECT_THAT(port.written, Not(HasSubstr("Rendering Started")));
 }
 
+TEST_F(Folder, FullDiskLeavesNoPartOfAStreamUnderItsName) {
+    for (int i = 0; i < 2000; ++i) {
+        square();
+    }
+    first_use();
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit small{200000, before.rlim_max}; // bytes; the stream needs four times as many
+    setrlimit(RLIMIT_FSIZE, &small);
+    const int answer = plain_start(start_after_dialog, EXTRACT_FOLDER_ONLY);
+    setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_EQ(answer, -1);
+    EXPECT_THAT(theApp().omb_export.last_error, HasSubstr("batch_file.txt"));
+    EXPECT_FALSE(fs::exists(folder / "batch_file.txt"));
+    EXPECT_FALSE(fs::exists(folder / "qor_view.txt"));
+}
+
 TEST_F(Folder, NothingToRenderAndNoDrawing) {
     std::string box;
     set_message_sink([&](const std::string& text, const std::string&) { box = text; });
@@ -112,7 +132,7 @@ TEST_F(Folder, InvisibleEntitiesStillStartAnEmptyStream) {
     square().setVisibility(AcDb::kInvisible);
     EXPECT_THAT(extract().meshes, IsEmpty());
     EXPECT_THAT(port.written, HasSubstr("the picture will be empty.\n"));
-    EXPECT_EQ(theApp().omb_export.last_mesh_count, 0);
+    EXPECT_EQ(theApp().omb_export.last_face_count, 0);
 }
 
 TEST_F(Folder, ProcessThatCannotStartIsSilent) {

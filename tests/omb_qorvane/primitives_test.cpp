@@ -176,7 +176,7 @@ TEST_F(Primitives, ShellFanRunsOverHolesAndTheirCounts) {
         drawn([&](AcGiWorldDraw& draw) { draw.geometry().shell(8, points, 13, list); });
     EXPECT_THAT(text, HasSubstr("#;Need Triangulator\nFACE;0,1,2\nFACE;0,2,3\nFACE;0,4,5\n"
                                 "FACE;5,6,7\nEMSH;\n"));
-    EXPECT_THAT(port.written, HasSubstr("2 faces that name no vertex"));
+    EXPECT_THAT(port.written, HasSubstr("2 x face that names no vertex"));
 }
 
 TEST_F(Primitives, FaceListsThatEndEarly) {
@@ -237,7 +237,7 @@ TEST_F(Primitives, NumbersThatAreNoneDropThePrimitiveWhole) {
         EXPECT_TRUE(draw.geometry().circularArc(p[3], 1, AcGeVector3d::kZAxis, {1, 0, 0}, 1));
     });
     EXPECT_EQ(text, "");
-    EXPECT_THAT(port.written, HasSubstr("6 primitives with coordinates that are no numbers"));
+    EXPECT_THAT(port.written, HasSubstr("6 x primitive with coordinates that are no numbers"));
 }
 
 } // namespace

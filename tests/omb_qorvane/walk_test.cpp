@@ -61,6 +61,8 @@ TEST_F(Walk, TwoInstancesAreWrittenTwice) {
     const checker::stream stream = extract();
     ASSERT_THAT(stream.meshes, SizeIs(2));
     EXPECT_EQ(stream.brackets, 2);
+    EXPECT_EQ(theApp().omb_export.last_face_count, 4);
+    EXPECT_THAT(port.written, Not(HasSubstr("picture will be empty")));
     EXPECT_NEAR(stream.meshes[1].vertices.at(0).position[0], 0.254, 1e-9);
     EXPECT_EQ(stream.meshes[0].handle, face.getAcDbHandle().value());
     EXPECT_EQ(stream.meshes[1].handle, stream.meshes[0].handle);
@@ -213,7 +215,7 @@ TEST_F(Walk, BlocksThatCannotBeReadAreLeftOutAndTold) {
     insert(AcDbObjectId::kNull);
     square();
     EXPECT_THAT(extract().meshes, SizeIs(1));
-    EXPECT_THAT(port.written, HasSubstr("1 references of blocks that cannot be read"));
+    EXPECT_THAT(port.written, HasSubstr("1 x reference of a block that cannot be read"));
 }
 
 TEST_F(Walk, ScanCollectsLayersAndColorsAndWritesNothing) {
