@@ -60,7 +60,9 @@ SceneDescription describe_scene(const StreamModel& model, const ViewRecord& view
         scene.mesh_surface.push_back(table.surface_of(mesh));
     }
     scene.light = read_sun_sky(document);
-    scene.ground = ground_elevation(document);
+    scene.ground = ground_elevation(document, std::hypot(scene.high.x - scene.low.x,
+                                                         scene.high.y - scene.low.y,
+                                                         scene.high.z - scene.low.z));
     scene.ground_surface = table.add(ground_surface()); // there is always one surface at least
     scene.surfaces = table.surfaces();
 

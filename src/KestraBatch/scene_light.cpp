@@ -15,7 +15,8 @@ namespace {
 
 constexpr double factory_sun_intensity = 0.80;  // iks_sun_intensity 80
 constexpr double factory_sky_brightness = 0.33; // iks_sky_intensity 33
-constexpr double ground_gap = 0.00025;          // metres
+constexpr double largest_ground_gap = 0.00025;  // metres
+constexpr double ground_gap_share = 1e-5;       // of the model's diagonal
 constexpr double twilight_end_degrees = 18;     // the sun this far down: night
 constexpr int background_slot = 0, sky_slot = 2;
 
@@ -128,12 +129,13 @@ renderer::Environment make_environment(const SunSky& light, WarningList& warning
     return environment;
 }
 
-std::optional<double> ground_elevation(const CTsDoc& document) {
+std::optional<double> ground_elevation(const CTsDoc& document, double model_diagonal) {
     if (!document.GetGroundPlane()) {
         return std::nullopt;
     }
     check_finite("the ground plane's elevation", {document.GetGroundPlaneElevation()});
-    return document.GetGroundPlaneElevation() - ground_gap;
+    return document.GetGroundPlaneElevation() -
+           std::min(largest_ground_gap, ground_gap_share * model_diagonal);
 }
 
 renderer::Material ground_surface() {

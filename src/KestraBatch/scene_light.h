@@ -38,9 +38,10 @@ SunSky read_sun_sky(const CTsDoc& document);
 /// neutral one until images are rendered; each is a warning, as is a scene without any light.
 renderer::Environment make_environment(const SunSky& light, WarningList& warnings);
 
-/// World elevation of the ground plane in metres, nothing when it is off. It lies a quarter of a
-/// millimetre below its setting, so that ground of the model at that height covers it.
-std::optional<double> ground_elevation(const CTsDoc& document);
+/// World elevation of the ground plane in metres, nothing when it is off. It lies a little below
+/// its setting (a quarter of a millimetre, less for a model whose `model_diagonal` in metres is
+/// small), so that ground of the model at that height covers it.
+std::optional<double> ground_elevation(const CTsDoc& document, double model_diagonal);
 /// Its surface: a neutral, slightly warm grey.
 renderer::Material ground_surface();
 

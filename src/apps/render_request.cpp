@@ -60,7 +60,7 @@ void set_picture_defaults(const Options& options, AcDbDatabase& database,
     set_global_bool("bks_ground_plane", true);
     const AcDbExtents box = rendered_extents(database);
     const double low = box.minPoint().z;
-    const double gap = 1e-4 * (box.maxPoint() - box.minPoint()).length();
+    const double gap = 1e-5 * (box.maxPoint() - box.minPoint()).length();
     const double metres = metres_per_unit(default_units_word(database.insunits()));
     set_global_double("rqor_groundplane_elevation", (low - gap) * metres / kMetresPerInch);
 }

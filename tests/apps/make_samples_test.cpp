@@ -113,6 +113,8 @@ std::string bytes_of(const std::filesystem::path& path) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
+void PrintTo(const Case& value, std::ostream* out) { *out << value.file; }
+
 TEST_P(Samples, RepositoryHoldsWhatIsWritten) {
     const std::string fresh = bytes_of(path_);
     const std::string kept =
