@@ -1,12 +1,15 @@
 // Framing: cameras for the standard directions, named views and cameras told in words.
 #include "apps/views.h"
 
+#include "host/db/block_reference.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <numbers>
 #include <string_view>
+#include <unordered_map>
 
 #include <fmt/format.h>
 
@@ -85,6 +88,65 @@ bool is_rendered_space_entity(const AcDbEntity& entity) {
     AcDbObjectPointer<AcDbLayerTableRecord> layer(entity.layerId());
     return !layer || (!layer->isOff() && !layer->isFrozen());
 }
+
+/// Boxes around what gives faces. A block's box is computed once, in its own coordinates.
+class FaceBoxes {
+public:
+    AcDbExtents of(const AcDbEntity& entity) {
+        const auto* reference = AcDbBlockReference::cast(&entity);
+        if (reference == nullptr) {
+            AcDbExtents box;
+            if (entity.notRenderedReason() != nullptr || entity.getGeomExtents(box) != Acad::eOk) {
+                return {};
+            }
+            return box;
+        }
+        const AcDbExtents block = of_block(reference->blockTableRecord());
+        AcDbExtents result;
+        const auto add = [&](const AcGeMatrix3d& transform) {
+            AcDbExtents box = block;
+            box.transformBy(transform);
+            result.addExt(box);
+        };
+        if (block.isEmpty()) {
+            return result;
+        }
+        if (const auto* array = AcDbMInsertBlock::cast(&entity)) {
+            for (const int row : {0, array->rows() - 1}) {
+                for (const int column : {0, array->columns() - 1}) {
+                    add(array->memberTransform(row, column));
+                }
+            }
+        } else {
+            add(reference->blockTransform());
+        }
+        return result;
+    }
+
+private:
+    AcDbExtents of_block(AcDbObjectId id) {
+        constexpr int kDeepest = 64; // the host draws no deeper either
+        // A block that is being measured has an empty box already: cycles end there.
+        const auto [entry, is_new] = boxes_.try_emplace(id);
+        if (!is_new || depth_ >= kDeepest) {
+            return entry->second;
+        }
+        AcDbObjectPointer<AcDbBlockTableRecord> block(id);
+        AcDbExtents box;
+        ++depth_;
+        for (const AcDbObjectId& member : block ? block->entities() : std::vector<AcDbObjectId>()) {
+            AcDbObjectPointer<AcDbEntity> entity(member);
+            if (entity && is_rendered_space_entity(*entity)) {
+                box.addExt(of(*entity));
+            }
+        }
+        --depth_;
+        return boxes_[id] = box;
+    }
+
+    std::unordered_map<AcDbObjectId, AcDbExtents> boxes_;
+    int depth_ = 0;
+};
 
 bool parse_triple(std::string_view text, std::array<double, 3>& values) {
     for (std::size_t i = 0; i < 3; ++i) {
@@ -168,16 +230,16 @@ AcDbExtents rendered_extents(AcDbDatabase& database) {
     if (!space) {
         return grown(all);
     }
+    FaceBoxes boxes;
     for (const AcDbObjectId& id : space->entities()) {
         AcDbObjectPointer<AcDbEntity> entity(id);
         AcDbExtents box;
-        if (!entity || !is_rendered_space_entity(*entity) ||
-            entity->getGeomExtents(box) != Acad::eOk) {
+        if (!entity || !is_rendered_space_entity(*entity)) {
             continue;
         }
-        all.addExt(box);
-        if (entity->notRenderedReason() == nullptr) {
-            solid.addExt(box);
+        solid.addExt(boxes.of(*entity));
+        if (solid.isEmpty() && entity->getGeomExtents(box) == Acad::eOk) {
+            all.addExt(box);
         }
     }
     return grown(solid.isEmpty() ? all : solid);

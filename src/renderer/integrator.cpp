@@ -134,7 +134,8 @@ void Integrator::add_escaped(PathState& state) const {
 
 /// Lets far ground fade into the haze over the horizon, as air does. False when nothing is left.
 bool Integrator::fade_ground(PathState& state, const Hit& hit) const {
-    const float way = hit.distance / fade_distance_;
+    const float stepped_back = state.seen_by_camera ? stepped_back_ : 0;
+    const float way = std::max(hit.distance - stepped_back, 0.0f) / fade_distance_;
     const float clear = std::exp(-way * way);
     const bool first = state.depth == 0 && state.panes == 0;
     if (first)

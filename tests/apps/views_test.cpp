@@ -1,5 +1,6 @@
 #include "apps/views.h"
 
+#include "host/db/block_reference.h"
 #include "host/db/curves.h"
 #include "host/db/faces.h"
 
@@ -103,6 +104,37 @@ TEST_F(Views, ExtentsTakeWhatGivesFaces) {
     const AcDbExtents box = rendered_extents(database_);
     EXPECT_DOUBLE_EQ(box.minPoint().x, 0);
     EXPECT_DOUBLE_EQ(box.maxPoint().x, 10);
+}
+
+TEST_F(Views, ReferencesCountWithTheFacesOfTheirBlocksOnly) {
+    auto block = std::make_unique<AcDbBlockTableRecord>();
+    block->setName("chair");
+    AcDbObjectId block_id, id;
+    ASSERT_EQ(database_.blockTable().add(std::move(block), block_id), Acad::eOk);
+    {
+        AcDbObjectPointer<AcDbBlockTableRecord> record(block_id, AcDb::kForWrite);
+        record->appendAcDbEntity(
+            std::make_unique<AcDbFace>(AcGePoint3d{0, 0, 0}, AcGePoint3d{1, 0, 0},
+                                       AcGePoint3d{1, 1, 0}, AcGePoint3d{1, 1, 0}),
+            id);
+        record->appendAcDbEntity(
+            std::make_unique<AcDbLine>(AcGePoint3d{0, 0, 0}, AcGePoint3d{9e6, 0, 0}), id);
+        auto itself = std::make_unique<AcDbBlockReference>();
+        itself->setBlockTableRecord(block_id);
+        itself->setPosition({1e7, 0, 0});
+        record->appendAcDbEntity(std::move(itself), id);
+    }
+    auto array = std::make_unique<AcDbMInsertBlock>();
+    array->setBlockTableRecord(block_id);
+    array->setPosition({100, 0, 0});
+    array->setArray(3, 2, 10, 5);
+    {
+        AcDbObjectPointer<AcDbBlockTableRecord> space(database_.modelSpaceId(), AcDb::kForWrite);
+        ASSERT_EQ(space->appendAcDbEntity(std::move(array), id), Acad::eOk);
+    }
+    const AcDbExtents box = rendered_extents(database_);
+    EXPECT_NEAR(box.maxPoint().x, 121, 1e-9);
+    EXPECT_NEAR(box.maxPoint().y, 8, 1e-9) << "the face of model space is higher up";
 }
 
 TEST_F(Views, AutomaticLooksFromTheSouthEastAndIsPerspective) {
