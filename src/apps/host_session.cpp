@@ -59,9 +59,23 @@ std::optional<std::string> TerminalPort::readLine(const std::string& prompt) {
 }
 
 void TerminalPort::write(const std::string& text) {
-    transcript_ += text;
     if (show_) {
         std::cout << text << std::flush;
+    }
+}
+
+void TerminalPort::alert(const std::string& text) {
+    std::string line;
+    for (const char c : text) {
+        const bool blank = c == '\n' || c == '\r' || c == ' ';
+        if (!blank || (!line.empty() && line.back() != ' ')) {
+            line += blank ? ' ' : c;
+        }
+    }
+    if (show_) {
+        fmt::print(stderr, "qorvane: {}\n", line);
+    } else {
+        alerts_.push_back(line);
     }
 }
 

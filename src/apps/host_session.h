@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace apps {
@@ -28,13 +29,14 @@ public:
       , show_(show) {}
     std::optional<std::string> readLine(const std::string& prompt) override;
     void write(const std::string& text) override;
-    /// All that was written, for telling why a command failed.
-    const std::string& transcript() const { return transcript_; }
+    void alert(const std::string& text) override; ///< shown at once when output is shown
+    /// What was told since the last call, each in one line.
+    std::vector<std::string> take_alerts() { return std::exchange(alerts_, {}); }
 
 private:
     std::istream* script_;
     bool show_;
-    std::string transcript_;
+    std::vector<std::string> alerts_;
 };
 
 class HostSession {

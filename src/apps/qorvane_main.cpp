@@ -3,11 +3,12 @@
 #include "apps/host_session.h"
 #include "apps/options.h"
 #include "apps/verbs.h"
-#include "omb/base/message_box.h"
 #include "omb/base/trace.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
+#include <filesystem>
 #include <new>
 #include <string>
 #include <vector>
@@ -54,6 +55,13 @@ int main(int argc, char** argv) {
         fmt::print(parsed.exit_code == apps::kDone ? stdout : stderr, "{}", parsed.message);
         return parsed.exit_code;
     }
+    if (!parsed.options.log_file.empty()) {
+        // The add-on and the batch process keep traces of their own; all meet in this file.
+        std::error_code failed;
+        const auto path = std::filesystem::absolute(parsed.options.log_file, failed);
+        setenv("QORVANE_LOG_FILE", path.c_str(), 1);
+    }
+    start_trace_from_environment();
     try {
         return run(parsed.options);
     } catch (const apps::Failure& failure) {

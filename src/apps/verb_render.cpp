@@ -4,7 +4,6 @@
 #include "apps/progress.h"
 #include "apps/render_request.h"
 #include "apps/verbs.h"
-#include "omb/base/message_box.h"
 #include "platform/files.h"
 #include "platform/process.h"
 
@@ -131,17 +130,6 @@ int follow_process(std::int64_t process, double limit_seconds, ProgressChannel& 
     return timed_out && code == kInterrupted ? kDone : code;
 }
 
-/// Words of a transcript's last line that says something.
-std::string last_words(const std::string& transcript) {
-    const std::size_t end = transcript.find_last_not_of(" \r\n");
-    if (end == std::string::npos) {
-        return {};
-    }
-    const std::size_t begin = transcript.find_last_of('\n', end);
-    return transcript.substr(begin == std::string::npos ? 0 : begin + 1,
-                             end - (begin == std::string::npos ? -1 : begin));
-}
-
 /// A session with its command line, message boxes and the add-on in place.
 class RenderSession {
 public:
@@ -172,7 +160,28 @@ public:
         return resolved;
     }
     HostSession& host() { return session_; }
-    const TerminalPort& port() const { return port_; }
+    /// Shows what the add-on told in passing.
+    void show_alerts() {
+        for (const std::string& line : port_.take_alerts()) {
+            fmt::print(stderr, "qorvane: {}\n", line);
+        }
+    }
+    /// Why the add-on's last extraction ended early. What it names as a file that cannot be
+    /// written gives the exit code for that.
+    Failure extraction_failure() {
+        using LastError = const char* (*)();
+        const auto last_error =
+            reinterpret_cast<LastError>(session_.add_on_symbol("omb_last_error"));
+        std::string words = last_error();
+        if (const auto alerts = port_.take_alerts(); !alerts.empty()) {
+            words = alerts.front();
+        }
+        const bool unwritable =
+            words.starts_with("Cannot create") || words.starts_with("Cannot write");
+        return {unwritable ? kUnwritable : kFailed,
+                fmt::format("{}: {}", options_.operands.front(),
+                            words.empty() ? "the batch process could not be started" : words)};
+    }
 
 private:
     const Options& options_;
@@ -209,10 +218,9 @@ int render_view(const Options& options, RenderSession& session, const std::strin
         return interrupted_code();
     }
     if (process == 0) {
-        throw Failure{kFailed, fmt::format("{}: the batch process was not started: {}",
-                                           options.operands.front(),
-                                           last_words(session.port().transcript()))};
+        throw session.extraction_failure();
     }
+    session.show_alerts();
     if (options.verbosity > 0) {
         fmt::print(stderr, "qorvane: extracted in {:.2f} s\n", seconds_since(start));
     }
@@ -276,9 +284,7 @@ int run_extract(const Options& options) {
         if (interrupts_received() > 0) {
             return interrupted_code();
         }
-        throw Failure{kFailed, fmt::format("{}: the batch folder was not written: {}",
-                                           options.operands.front(),
-                                           last_words(session.port().transcript()))};
+        throw session.extraction_failure();
     }
     return kDone;
 }

@@ -47,7 +47,7 @@ std::optional<StartedProcess> start_process(const std::filesystem::path& program
     posix_spawnattr_setsigmask(&attributes, &none);
     posix_spawnattr_setpgroup(&attributes, 0);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK |
-                                               POSIX_SPAWN_SETPGROUP);
+                                              POSIX_SPAWN_SETPGROUP);
     pid_t pid = 0;
     const int status =
         posix_spawn(&pid, program.c_str(), &actions, &attributes, argv.data(), environ);

@@ -213,6 +213,17 @@ TEST_F(Programs, OutputsThatCannotBeWrittenAreToldBeforeTheWork) {
     EXPECT_EQ(run({"extract", "box.dxf", "--batch-folder", "file/below"}).code, 5);
 }
 
+TEST_F(Programs, AnEmptyDrawingIsToldInOneLine) {
+    write("empty_model.dxf", "0\nSECTION\n2\nENTITIES\n0\nENDSEC\n0\nEOF\n");
+    const Outcome r = run({"render", "empty_model.dxf", "--log-file", "trace.log"});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_NE(r.err.find("Cannot Render. No entities found to render in this view."),
+              std::string::npos)
+        << r.err;
+    EXPECT_EQ(std::count(r.err.begin(), r.err.end(), '\n'), 1) << r.err;
+    EXPECT_FALSE(read(folder_ / "trace.log").empty());
+}
+
 TEST_F(Programs, AnInterruptSavesThePictureSoFar) {
     const std::int64_t process =
         start({"render", "box.dxf", "-s", "400x300", "--passes", "30000", "--progress", "ndjson"});

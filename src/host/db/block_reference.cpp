@@ -17,8 +17,8 @@ namespace {
 
 constexpr std::size_t kDeepestNesting = 64;
 /// Entities and array members that one reference of a space may draw through its nesting: far
-/// above any real drawing, reached within minutes by blocks that double at every level.
-constexpr std::uint64_t kMostDraws = 50'000'000;
+/// above any real drawing, reached within seconds by blocks that multiply at every level.
+constexpr std::uint64_t kMostDraws = 5'000'000;
 /// How often the drawer is asked whether to stop.
 constexpr std::uint64_t kAskEvery = 1024;
 

@@ -44,6 +44,8 @@ public:
     /// One line as the user ends it, shown `prompt`; none at the end of input.
     virtual std::optional<std::string> readLine(const std::string& prompt) = 0;
     virtual void write(const std::string& text) = 0;
+    /// What a program with windows would show in a box that wants no answer but OK.
+    virtual void alert(const std::string& text) { write("\n" + text + "\n"); }
 };
 /// The default port reads nothing and drops output. The old port is returned.
 AcEdInputPort* acedSetInputPort(AcEdInputPort* port);
@@ -53,6 +55,8 @@ enum AcEdResult { RTNORM = 5100, RTERROR = -5001, RTCAN = -5002, RTNONE = 5000 }
 
 /// Writes to the command line.
 void acutPrintf(const std::string& text);
+/// Tells the user something that must not be missed.
+void acedAlert(const std::string& text);
 /// Queues words, as if typed on the running command's line.
 void acedPushInput(std::vector<std::string> words);
 /// The next queued word, if any: what was typed behind the command's name.

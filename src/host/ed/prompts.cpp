@@ -99,6 +99,12 @@ void acutPrintf(const std::string& text) {
     }
 }
 
+void acedAlert(const std::string& text) {
+    if (ed::state().port != nullptr) {
+        ed::state().port->alert(text);
+    }
+}
+
 void acedPushInput(std::vector<std::string> words) {
     for (std::string& word : words) {
         ed::state().pending.push_back(std::move(word));

@@ -135,6 +135,15 @@ bool open_debug_file(const std::string& path) {
 
 void close_debug_file() { store().debug_file.close(); }
 
+void start_trace_from_environment() {
+    set_trace_started(true);
+    const std::string path = platform::environment("QORVANE_LOG_FILE");
+    if (!path.empty() && open_debug_file(path)) {
+        trace_settings().use_debug_file = true;
+        trace_settings().show_trace_time = true;
+    }
+}
+
 void set_error_file(const std::string& path, const std::string& program_name) {
     store().error_file_path = path;
     store().program_name = program_name;

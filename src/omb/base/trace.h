@@ -51,6 +51,9 @@ void set_trace_console(std::function<void(const std::string& line)> console);
 /// Log file of `bcomm_use_debug_file`; appended to. False when it cannot be opened.
 bool open_debug_file(const std::string& path);
 void close_debug_file();
+/// Starts the trace; when the environment variable QORVANE_LOG_FILE names a file, all lines go
+/// there too.
+void start_trace_from_environment();
 
 /// Path of the error list file, made new at the first error of a run ("" means none).
 void set_error_file(const std::string& path, const std::string& program_name);
