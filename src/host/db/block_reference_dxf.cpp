@@ -73,9 +73,7 @@ void AcDbBlockReference::dxfOut(dxf::TagWriter& writer) const {
     if (rotation_ != 0) {
         writer.real(50, rotation_ / dxf::kRadians);
     }
-    if (!(normal_ == AcGeVector3d::kZAxis)) {
-        writer.vector(210, normal_);
-    }
+    writer.extrusion(normal_);
 }
 
 void AcDbMInsertBlock::dxfIn(const dxf::ObjectTags& tags) {

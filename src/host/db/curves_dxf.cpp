@@ -68,14 +68,10 @@ void AcDbCircle::dxfIn(const dxf::ObjectTags& tags) {
 void AcDbCircle::dxfOut(dxf::TagWriter& writer) const {
     AcDbEntity::dxfOut(writer);
     writer.subclass("AcDbCircle");
-    if (thickness_ != 0) {
-        writer.real(39, thickness_);
-    }
+    writer.thickness(thickness_);
     writer.point(10, to_object(center_, normal_));
     writer.real(40, radius_);
-    if (!(normal_ == AcGeVector3d::kZAxis)) {
-        writer.vector(210, normal_);
-    }
+    writer.extrusion(normal_);
 }
 
 void AcDbArc::dxfIn(const dxf::ObjectTags& tags) {
@@ -95,14 +91,10 @@ void AcDbArc::dxfIn(const dxf::ObjectTags& tags) {
 void AcDbArc::dxfOut(dxf::TagWriter& writer) const {
     AcDbEntity::dxfOut(writer);
     writer.subclass("AcDbCircle");
-    if (thickness_ != 0) {
-        writer.real(39, thickness_);
-    }
+    writer.thickness(thickness_);
     writer.point(10, to_object(center_, normal_));
     writer.real(40, radius_);
-    if (!(normal_ == AcGeVector3d::kZAxis)) {
-        writer.vector(210, normal_);
-    }
+    writer.extrusion(normal_);
     writer.subclass("AcDbArc");
     writer.real(50, start_angle_ / dxf::kRadians);
     writer.real(51, end_angle_ / dxf::kRadians);
@@ -195,9 +187,7 @@ void AcDbSpline::dxfOut(dxf::TagWriter& writer) const {
     constexpr std::uint32_t kRational = 4;
     AcDbEntity::dxfOut(writer);
     writer.subclass("AcDbSpline");
-    if (!(normal_ == AcGeVector3d::kZAxis)) {
-        writer.vector(210, normal_);
-    }
+    writer.extrusion(normal_);
     writer.integer(70, weights_.empty() ? flags_ : flags_ | kRational);
     writer.integer(71, degree_);
     writer.integer(72, static_cast<std::int64_t>(knots_.size()));

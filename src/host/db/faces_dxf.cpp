@@ -71,12 +71,8 @@ void AcDbSolid::dxfOut(dxf::TagWriter& writer) const {
     for (int i = 0; i < 4; ++i) {
         writer.point(10 + i, points_[static_cast<std::size_t>(i)]);
     }
-    if (thickness_ != 0) {
-        writer.real(39, thickness_);
-    }
-    if (!(normal_ == AcGeVector3d::kZAxis)) {
-        writer.vector(210, normal_);
-    }
+    writer.thickness(thickness_);
+    writer.extrusion(normal_);
 }
 
 namespace {

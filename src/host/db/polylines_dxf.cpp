@@ -68,9 +68,7 @@ void AcDbPolyline::dxfOut(dxf::TagWriter& writer) const {
     if (elevation_ != 0) {
         writer.real(38, elevation_);
     }
-    if (thickness_ != 0) {
-        writer.real(39, thickness_);
-    }
+    writer.thickness(thickness_);
     for (const Vertex& v : vertices_) {
         writer.point(10, v.point);
         if (!even && (v.start_width != 0 || v.end_width != 0)) {
@@ -81,9 +79,7 @@ void AcDbPolyline::dxfOut(dxf::TagWriter& writer) const {
             writer.real(42, v.bulge);
         }
     }
-    if (!(normal_ == AcGeVector3d::kZAxis)) {
-        writer.vector(210, normal_);
-    }
+    writer.extrusion(normal_);
 }
 
 void AcDbHeavyPolyline::dxfIn(const dxf::ObjectTags& tags) {

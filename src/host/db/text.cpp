@@ -95,9 +95,7 @@ void AcDbMText::dxfOut(dxf::TagWriter& writer) const {
         rest.remove_prefix(cut);
     }
     writer.text(1, rest);
-    if (!(normal_ == AcGeVector3d::kZAxis)) {
-        writer.vector(210, normal_);
-    }
+    writer.extrusion(normal_);
     if (rotation_ != 0) {
         writer.real(50, rotation_);
     }

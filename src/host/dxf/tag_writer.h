@@ -40,6 +40,18 @@ public:
     void point(int code, const AcGePoint3d& p);
     void point(int code, const AcGePoint2d& p);
     void vector(int code, const AcGeVector3d& v) { point(code, AcGePoint3d{v.x, v.y, v.z}); }
+    /// Group 210 of a direction that is not the default one, world Z.
+    void extrusion(const AcGeVector3d& normal) {
+        if (!(normal == AcGeVector3d::kZAxis)) {
+            vector(210, normal);
+        }
+    }
+    /// Group 39 of a thickness that is not the default one, 0.
+    void thickness(double value) {
+        if (value != 0) {
+            real(39, value);
+        }
+    }
     /// Bytes, cut into chunks of 127.
     void chunk(int code, std::string_view bytes);
     /// A subclass marker; files to R12 have none.
