@@ -41,7 +41,7 @@ double ProgressReporter::elapsed_seconds() const {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
 }
 
-void ProgressReporter::send(std::string line, bool must_arrive) {
+void ProgressReporter::send(const std::string& line, bool must_arrive) {
     channel_.send(line, must_arrive ? patience : 0);
 }
 

@@ -42,7 +42,7 @@ public:
     double elapsed_seconds() const;
 
 private:
-    void send(std::string line, bool must_arrive);
+    void send(const std::string& line, bool must_arrive);
 
     cl_batch_output& out_;
     platform::LineChannel channel_;

@@ -1,7 +1,6 @@
 // Start and stop of the module, and its first use.
 #include "omb_qorvane/OMB_Qorvane.h"
 
-#include "omb/base/message_box.h"
 #include "omb/base/trace.h"
 #include "omb/globals/catalogue.h"
 #include "omb/globals/globals.h"
@@ -84,10 +83,6 @@ std::uintptr_t first_use() {
     const std::uintptr_t window = adsw_acadMainWnd();
     if (first) {
         start_trace_from_environment();
-        // Without windows of its own the add-on tells what a box would hold through its host.
-        set_message_sink([](const std::string& text, const std::string& title) {
-            acedAlert(title.empty() ? text : title + ": " + text);
-        });
         preset_globals(0);
     }
     if (window == 0) {
