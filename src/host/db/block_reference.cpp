@@ -81,9 +81,10 @@ bool mayDraw(AcGiWorldDraw* draw, const AcDbBlockTableRecord& block) {
         now.stopped = true;
     } else if (++now.draws > kMostDraws) {
         now.stopped = true;
-        acutPrintf(fmt::format("\nBlock \"{}\": more than {} objects through nested blocks; the "
-                               "rest of this reference is not drawn.\n",
-                               block.getName(), kMostDraws));
+        acedAlert(
+            fmt::format("Block \"{}\": more than {} objects through nested blocks; the rest of "
+                        "this reference is not drawn.",
+                        block.getName(), kMostDraws));
     }
     return !now.stopped;
 }
