@@ -1,6 +1,7 @@
 // Windows, doors and columns as blocks.
 #include "apps/make_samples/building.h"
 
+#include <cmath>
 #include <fmt/format.h>
 
 namespace make_samples {
@@ -62,7 +63,7 @@ std::string window_block(Drawing& drawing, double width, double height, int ligh
     for (const double side : {-1.0, 1.0}) {
         Mesh curtain = sheet(0, width * 0.3, 10, 0, height, 1, [](double, double) { return 0.0; });
         curtain.bend([&](const Point& p) {
-            const double wave = 0.03 * ((static_cast<int>(p.x / (width * 0.03) + 0.5) & 1) * 2 - 1);
+            const double wave = 0.03 * ((std::lround(p.x / (width * 0.03)) & 1) * 2 - 1);
             return Point{side * (width / 2 - p.x), 0.45 + wave, p.y + 0.02};
         });
         space.mesh(curtain, {"Textiles"});

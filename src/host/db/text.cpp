@@ -34,7 +34,8 @@ void AcDbText::dxfOut(dxf::TagWriter& writer) const {
 }
 
 void AcDbMText::dxfIn(const dxf::ObjectTags& tags) {
-    AcDbEntity::dxfIn(tags);
+    // An MTEXT shares members with a TEXT, not its tags.
+    AcDbEntity::dxfIn(tags); // NOLINT(bugprone-parent-virtual-call)
     std::string bytes;
     bool directed = false;
     AcGeVector3d direction;
@@ -80,7 +81,7 @@ void AcDbMText::dxfIn(const dxf::ObjectTags& tags) {
 
 void AcDbMText::dxfOut(dxf::TagWriter& writer) const {
     constexpr std::size_t kLongest = 250; // bytes a piece
-    AcDbEntity::dxfOut(writer);
+    AcDbEntity::dxfOut(writer);           // NOLINT(bugprone-parent-virtual-call)
     writer.subclass("AcDbMText");
     writer.point(10, position_);
     writer.real(40, height_);
