@@ -10,8 +10,7 @@ namespace {
 class index_grid {
 public:
     index_grid(std::uint32_t rows, std::uint32_t columns, const AcGePoint3d* points)
-      : rows_(rows)
-      , columns_(columns)
+      : columns_(columns)
       , index_(std::size_t{rows} * columns) {
         for (std::size_t i = 0; i < index_.size(); ++i) {
             index_[i] = static_cast<std::int32_t>(i);
@@ -39,7 +38,7 @@ private:
             index_[place(r2, c2)] = index_[place(r, c)];
         }
     }
-    std::uint32_t rows_, columns_;
+    std::uint32_t columns_;
     std::vector<std::int32_t> index_;
 };
 

@@ -182,7 +182,8 @@ Spectrum Atmosphere::gather(float height, float sun_cosine, float ground_albedo)
     Spectrum second{}, kept{};
     const float sun_sine = std::sqrt(std::max(0.0f, 1 - sun_cosine * sun_cosine));
     for (int p = 0; p < polar_steps * turn_steps; ++p) {
-        const float cosine = 1 - 2 * (static_cast<float>(p / turn_steps) + 0.5f) / polar_steps;
+        const int ring = p / turn_steps;
+        const float cosine = 1 - 2 * (static_cast<float>(ring) + 0.5f) / polar_steps;
         const float turn = pi * (static_cast<float>(p % turn_steps) + 0.5f) / turn_steps;
         const float sine = std::sqrt(1 - cosine * cosine);
         const float between = sine * sun_sine * std::cos(turn) + cosine * sun_cosine;

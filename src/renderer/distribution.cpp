@@ -47,6 +47,7 @@ std::vector<Distribution1d> make_rows(std::span<const float> weights, int width,
 
 std::vector<float> row_totals(const std::vector<Distribution1d>& rows) {
     std::vector<float> totals;
+    totals.reserve(rows.size());
     for (const auto& row : rows)
         totals.push_back(row.total());
     return totals;

@@ -133,8 +133,9 @@ float DistantLight::white_radiance() const {
     constexpr int steps = 16;
     float sky = 0;
     for (int i = 0; has_sky_ && i < steps * steps; ++i) {
-        const Vec2 u{(static_cast<float>(i % steps) + 0.5f) / steps,
-                     (static_cast<float>(i / steps) + 0.5f) / steps};
+        const int column = i % steps, row = i / steps;
+        const Vec2 u{(static_cast<float>(column) + 0.5f) / steps,
+                     (static_cast<float>(row) + 0.5f) / steps};
         sky += luminance(sky_radiance(sample_cosine_hemisphere(u))) / (steps * steps);
     }
     return sky + 2 * sun_cone_ * luminance(sun_radiance_); // irradiance over pi

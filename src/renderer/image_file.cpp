@@ -92,7 +92,7 @@ void add_metadata(OIIO::ImageSpec& spec, const std::string& extension,
     for (const auto& [name, text] : options.metadata) {
         if (extension == "png" || extension == "exr")
             spec.attribute(name, text);
-        comment += name + ": " + text + "\n";
+        comment.append(name).append(": ").append(text).append("\n");
     }
     if ((extension == "jpg" || extension == "jpeg") && !comment.empty())
         spec.attribute("ImageDescription", comment);
@@ -124,7 +124,7 @@ void write_bytes(const fs::path& target, const fs::path& file,
 }
 
 void write(const fs::path& target, const fs::path& file, const OIIO::ImageSpec& spec,
-           OIIO::TypeDesc type, const void* pixels) {
+           const OIIO::TypeDesc& type, const void* pixels) {
     auto output = OIIO::ImageOutput::create(file.string());
     if (!output)
         fail(target, OIIO::geterror());

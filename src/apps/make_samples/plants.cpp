@@ -79,6 +79,7 @@ std::string tree_block(Drawing& drawing, const TreeForm& form) {
         return form.name;
     }
     std::vector<std::string> kinds;
+    kinds.reserve(3);
     for (int variant = 0; variant < 3; ++variant) {
         kinds.push_back(leaf_cluster_block(drawing, variant, form.leaves, 0.17));
     }

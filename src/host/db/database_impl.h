@@ -14,7 +14,7 @@ class HandleIndex {
 public:
     AcDbStub* find(std::uint64_t handle) const;
     void insert(AcDbStub* stub);
-    std::size_t bytes() const { return slots_.capacity() * sizeof(slots_[0]); }
+    std::size_t bytes() const { return slots_.capacity() * sizeof(void*); }
 
 private:
     static std::size_t hash(std::uint64_t handle) {

@@ -9,6 +9,8 @@ namespace {
 
 // Groups as code and value, apart by semicolons, an object a line. Handles below 0x40 are given
 // here; $HANDSEED leads on from there.
+// Long rows are broken into pieces on purpose.
+// NOLINTBEGIN(bugprone-suspicious-missing-comma)
 constexpr std::string_view kHeader[] = {
     "0|SECTION;2|HEADER",
     "9|$ACADVER;1|AC1027;9|$DWGCODEPAGE;3|ANSI_1252;9|$HANDSEED;5|40",
@@ -111,6 +113,8 @@ constexpr std::string_view kObjects[] = {
     "0|MATERIAL;5|2D;330|2B;100|AcDbMaterial;1|ByLayer",
     "0|MATERIAL;5|2E;330|2B;100|AcDbMaterial;1|Global",
 };
+
+// NOLINTEND(bugprone-suspicious-missing-comma)
 
 /// A layout but for its name, order, flags and block.
 constexpr std::string_view kPlotSettings =

@@ -63,6 +63,8 @@ public:
     }
     Converter(const Converter&) = delete;
     Converter& operator=(const Converter&) = delete;
+    // The standard has iconv_open answer with this value when it fails.
+    // NOLINTNEXTLINE(performance-no-int-to-ptr)
     bool valid() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
     /// Converts as far as it goes; returns how many bytes were used.
     std::size_t convert(std::string_view in, std::string& out) {
