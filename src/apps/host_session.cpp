@@ -5,6 +5,7 @@
 #include "host/rx/module.h"
 #include "platform/files.h"
 
+#include <algorithm>
 #include <atomic>
 #include <csignal>
 #include <iostream>
@@ -14,6 +15,7 @@
 namespace apps {
 namespace {
 
+constexpr std::size_t kMostAlerts = 20; // more would bury what matters
 constexpr const char* kAddOn = "omb_qorvane.arx";
 
 std::atomic<int> interrupt_count{0};
@@ -74,7 +76,8 @@ void TerminalPort::alert(const std::string& text) {
     }
     if (show_) {
         fmt::print(stderr, "qorvane: {}\n", line);
-    } else {
+    } else if (alerts_.size() < kMostAlerts &&
+               std::find(alerts_.begin(), alerts_.end(), line) == alerts_.end()) {
         alerts_.push_back(line);
     }
 }

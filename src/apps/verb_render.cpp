@@ -286,6 +286,7 @@ int run_extract(const Options& options) {
         }
         throw session.extraction_failure();
     }
+    session.show_alerts();
     return kDone;
 }
 

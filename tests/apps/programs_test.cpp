@@ -224,6 +224,25 @@ TEST_F(Programs, AnEmptyDrawingIsToldInOneLine) {
     EXPECT_FALSE(read(folder_ / "trace.log").empty());
 }
 
+TEST_F(Programs, BlocksThatInsertThemselvesAreToldOnceAndDrawnOnce) {
+    const std::string insert = "0\nINSERT\n8\n0\n2\nA\n10\n3\n20\n0\n30\n0\n";
+    const std::string face = "0\n3DFACE\n8\n0\n10\n0\n20\n0\n30\n0\n11\n1\n21\n0\n31\n0\n12\n1\n"
+                             "22\n1\n32\n0\n13\n0\n23\n1\n33\n0\n";
+    write("self.dxf", "0\nSECTION\n2\nBLOCKS\n0\nBLOCK\n8\n0\n2\nA\n70\n0\n10\n0\n20\n0\n30\n0\n" +
+                          face + insert + "0\nENDBLK\n8\n0\n0\nENDSEC\n0\nSECTION\n2\nENTITIES\n" +
+                          insert + insert + "0\nENDSEC\n0\nEOF\n");
+    const Outcome r = run({"extract", "self.dxf", "--batch-folder", "folder"});
+    EXPECT_EQ(r.code, 0);
+    EXPECT_EQ(r.err, "qorvane: Block \"A\" inserts itself; the inner one is not drawn.\n");
+    const std::string stream = read(folder_ / "folder" / "batch_file.txt");
+    std::size_t faces = 0;
+    for (std::size_t at = stream.find("\nFACE;"); at != std::string::npos;
+         at = stream.find("\nFACE;", at + 1)) {
+        ++faces;
+    }
+    EXPECT_EQ(faces, 4U) << "two references, two triangles each";
+}
+
 TEST_F(Programs, AnInterruptSavesThePictureSoFar) {
     const std::int64_t process =
         start({"render", "box.dxf", "-s", "400x300", "--passes", "30000", "--progress", "ndjson"});

@@ -28,6 +28,7 @@ struct Nesting {
     std::uint64_t draws = 0;
     std::uint64_t since_asked = 0; ///< goes on over references, so that many small ones ask too
     bool stopped = false;
+    bool told = false; ///< that a block was not entered
 };
 
 Nesting& nesting() {
@@ -43,6 +44,7 @@ public:
         if (now.blocks.empty()) {
             now.draws = 0;
             now.stopped = false;
+            now.told = false;
         }
         now.blocks.push_back(block);
     }
@@ -116,14 +118,31 @@ void drawMember(AcGiWorldDraw* draw, const AcDbBlockTableRecord& block,
     }
 }
 
+/// Tells, once for each reference of a space, that a block is not entered.
+void tellLeftOut(const AcDbBlockTableRecord& block, bool inside_itself) {
+    if (nesting().told) {
+        return;
+    }
+    nesting().told = true;
+    acedAlert(inside_itself
+                  ? fmt::format("Block \"{}\" inserts itself; the inner one is not drawn.",
+                                block.getName())
+                  : fmt::format("Block \"{}\" lies more than {} levels deep and is not drawn.",
+                                block.getName(), kDeepestNesting));
+}
+
 /// Opens the block and draws its members; `transform_of` gives the transform of each.
 template <class TransformOf>
 void drawBlock(AcGiWorldDraw* draw, AcDbObjectId id, std::uint64_t members,
                const TransformOf& transform_of) {
     const std::vector<AcDbObjectId>& entered = nesting().blocks;
     const AcDbObjectPointer<AcDbBlockTableRecord> block(id);
-    if (!block || block->entities().empty() || entered.size() >= kDeepestNesting ||
-        std::find(entered.begin(), entered.end(), id) != entered.end()) {
+    if (!block || block->entities().empty()) {
+        return;
+    }
+    const bool inside_itself = std::find(entered.begin(), entered.end(), id) != entered.end();
+    if (inside_itself || entered.size() >= kDeepestNesting) {
+        tellLeftOut(*block, inside_itself);
         return;
     }
     const BlockInProgress progress(id);
