@@ -32,12 +32,8 @@ void AcDbBlockReference::dxfIn(const dxf::ObjectTags& tags) {
         case 50:
             rotation_ = tags.real(tag) * dxf::kRadians;
             break;
-        case 210:
-        case 220:
-        case 230:
-            dxf::set_coordinate(normal_, tag.code / 10 - 21, tags.real(tag));
-            break;
         default:
+            dxf::take_extrusion(normal_, tag, tags);
             break;
         }
     }

@@ -65,13 +65,23 @@ void AcDbCircle::dxfIn(const dxf::ObjectTags& tags) {
     center_ = to_world(center_, normal_);
 }
 
+namespace {
+
+/// The part that circles and arcs share; the centre is in world coordinates.
+void write_circle_part(dxf::TagWriter& writer, const AcGePoint3d& center,
+                       const AcGeVector3d& normal, double radius, double thickness) {
+    writer.subclass("AcDbCircle");
+    writer.thickness(thickness);
+    writer.point(10, to_object(center, normal));
+    writer.real(40, radius);
+    writer.extrusion(normal);
+}
+
+} // namespace
+
 void AcDbCircle::dxfOut(dxf::TagWriter& writer) const {
     AcDbEntity::dxfOut(writer);
-    writer.subclass("AcDbCircle");
-    writer.thickness(thickness_);
-    writer.point(10, to_object(center_, normal_));
-    writer.real(40, radius_);
-    writer.extrusion(normal_);
+    write_circle_part(writer, center_, normal_, radius_, thickness_);
 }
 
 void AcDbArc::dxfIn(const dxf::ObjectTags& tags) {
@@ -90,11 +100,7 @@ void AcDbArc::dxfIn(const dxf::ObjectTags& tags) {
 
 void AcDbArc::dxfOut(dxf::TagWriter& writer) const {
     AcDbEntity::dxfOut(writer);
-    writer.subclass("AcDbCircle");
-    writer.thickness(thickness_);
-    writer.point(10, to_object(center_, normal_));
-    writer.real(40, radius_);
-    writer.extrusion(normal_);
+    write_circle_part(writer, center_, normal_, radius_, thickness_);
     writer.subclass("AcDbArc");
     writer.real(50, start_angle_ / dxf::kRadians);
     writer.real(51, end_angle_ / dxf::kRadians);
@@ -161,12 +167,8 @@ void AcDbSpline::dxfIn(const dxf::ObjectTags& tags) {
         case 31:
             collect_point(fit_points_, tag.code / 10 - 1, tags.real(tag));
             break;
-        case 210:
-        case 220:
-        case 230:
-            dxf::set_coordinate(normal_, tag.code / 10 - 21, tags.real(tag));
-            break;
         default:
+            dxf::take_extrusion(normal_, tag, tags);
             break;
         }
     }

@@ -40,12 +40,8 @@ void AcDbPolyline::dxfIn(const dxf::ObjectTags& tags) {
         case 70:
             closed_ = (tags.integer(tag) & 1) != 0;
             break;
-        case 210:
-        case 220:
-        case 230:
-            dxf::set_coordinate(normal_, tag.code / 10 - 21, tags.real(tag));
-            break;
         default:
+            dxf::take_extrusion(normal_, tag, tags);
             break;
         }
     }

@@ -63,12 +63,8 @@ void AcDbMText::dxfIn(const dxf::ObjectTags& tags) {
             rotation_ = tags.real(tag);
             directed = false;
             break;
-        case 210:
-        case 220:
-        case 230:
-            dxf::set_coordinate(normal_, tag.code / 10 - 21, tags.real(tag));
-            break;
         default:
+            dxf::take_extrusion(normal_, tag, tags);
             break;
         }
     }

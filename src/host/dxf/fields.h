@@ -106,6 +106,13 @@ void set_coordinate(P& p, int axis, double value) {
     (axis == 0 ? p.x : axis == 1 ? p.y : p.z) = value;
 }
 
+/// Takes a tag of an extrusion direction, groups 210, 220 and 230; others are passed over.
+inline void take_extrusion(AcGeVector3d& normal, const Tag& tag, const ObjectTags& tags) {
+    if (tag.code == 210 || tag.code == 220 || tag.code == 230) {
+        set_coordinate(normal, tag.code / 10 - 21, tags.real(tag));
+    }
+}
+
 template <class T>
 bool load_field(T& object, const Field<T>& field, const Tag& tag, const ObjectTags& tags) {
     using Kind = typename Field<T>::Kind;
