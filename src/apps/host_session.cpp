@@ -3,6 +3,7 @@
 
 #include "apps/exit_codes.h"
 #include "host/rx/module.h"
+#include "omb/base/message_box.h"
 #include "platform/files.h"
 
 #include <algorithm>
@@ -100,9 +101,14 @@ HostSession::HostSession(const std::string& drawing)
 HostSession::~HostSession() {
     acrxUnloadAllModules();
     acDocManager()->closeAll();
+    set_window_port(nullptr);
 }
 
 void HostSession::load_add_on() {
+    // Without windows of its own the add-on tells what a box would hold through its host.
+    set_message_sink([](const std::string& text, const std::string& title) {
+        acedAlert(title.empty() ? text : title + ": " + text);
+    });
     const auto path = platform::program_file().parent_path() / kAddOn;
     std::string error;
     if (!acrxLoadModule(path, error)) {
