@@ -7,8 +7,20 @@
 
 using Catalogue = StoreTest;
 
+namespace {
+
+std::vector<catalogue_row> rows_of(std::span<const catalogue_group> groups) {
+    std::vector<catalogue_row> rows;
+    for (const catalogue_group& group : groups) {
+        rows.insert(rows.end(), group.rows.begin(), group.rows.end());
+    }
+    return rows;
+}
+
+} // namespace
+
 TEST_F(Catalogue, RowsInOrder) {
-    const auto main = main_catalogue(), application = application_catalogue();
+    const auto main = rows_of(main_catalogue()), application = rows_of(application_catalogue());
     EXPECT_EQ(main.size(), 583u);
     EXPECT_EQ(application.size(), 157u);
     EXPECT_EQ(main.front().name, "bks_lowend_render_mode");
@@ -26,8 +38,8 @@ TEST_F(Catalogue, RowsInOrder) {
 
 TEST_F(Catalogue, EveryRowIsWellFormed) {
     int zero_defaults = 0;
-    for (const auto& rows : {main_catalogue(), application_catalogue(), report_catalogue()}) {
-        for (const catalogue_row& row : rows) {
+    for (const auto& groups : {main_catalogue(), application_catalogue(), report_catalogue()}) {
+        for (const catalogue_row& row : rows_of(groups)) {
             ASSERT_NE(std::string_view("birspc").find(row.name.front()), std::string_view::npos)
                 << row.name;
             EXPECT_TRUE((row.save_type >= 1 && row.save_type <= 5) || row.save_type == 8)

@@ -237,22 +237,24 @@ void preset_row(cl_global_variable_array& array, const catalogue_row& row, int m
 
 namespace {
 
-void preset_rows(std::span<const catalogue_row> rows, int mode) {
-    for (const catalogue_row& row : rows) {
-        preset_row(globals, row, mode);
+void preset_groups(std::span<const catalogue_group> groups, int mode) {
+    for (const catalogue_group& group : groups) {
+        for (const catalogue_row& row : group.rows) {
+            preset_row(globals, row, mode);
+        }
     }
 }
 
 } // namespace
 
-void preset_globals(int mode) { preset_rows(main_catalogue(), mode); }
+void preset_globals(int mode) { preset_groups(main_catalogue(), mode); }
 
 void preset_application_globals(int mode) {
     preset_globals(mode);
-    preset_rows(application_catalogue(), mode);
+    preset_groups(application_catalogue(), mode);
 }
 
-void preset_report_globals(int mode) { preset_rows(report_catalogue(), mode); }
+void preset_report_globals(int mode) { preset_groups(report_catalogue(), mode); }
 
 // ---- look-ups ----
 
@@ -263,10 +265,12 @@ const std::vector<std::string_view>& catalogue_names() {
     static const std::vector<std::string_view> names = [] {
         std::vector<std::string_view> list;
         std::unordered_set<std::string_view> seen;
-        for (const auto& rows : {main_catalogue(), application_catalogue(), report_catalogue()}) {
-            for (const catalogue_row& row : rows) {
-                if (seen.insert(row.name).second) {
-                    list.push_back(row.name);
+        for (const auto& groups : {main_catalogue(), application_catalogue(), report_catalogue()}) {
+            for (const catalogue_group& group : groups) {
+                for (const catalogue_row& row : group.rows) {
+                    if (seen.insert(row.name).second) {
+                        list.push_back(row.name);
+                    }
                 }
             }
         }

@@ -17,10 +17,16 @@ struct catalogue_row {
     bool zero_is_default = false;
 };
 
-/// The rows in catalogue order, duplicates included.
-std::span<const catalogue_row> main_catalogue();
-std::span<const catalogue_row> application_catalogue(); ///< without the main block
-std::span<const catalogue_row> report_catalogue();
+/// Neighbouring rows with their heading.
+struct catalogue_group {
+    std::string_view title;
+    std::span<const catalogue_row> rows;
+};
+
+/// The blocks in catalogue order, duplicate rows included.
+std::span<const catalogue_group> main_catalogue();
+std::span<const catalogue_group> application_catalogue(); ///< without the main block
+std::span<const catalogue_group> report_catalogue();
 
 /// Mode 0 makes what is missing and leaves values alone; mode 1 sets every global to its default.
 void preset_globals(int mode);

@@ -163,8 +163,12 @@ constexpr catalogue_row application_rows[] = {
     {"rks_new_auto_room_max_ceiling_height", SAVE_DATABASE, "0"},
     {"iks_new_auto_room_type", SAVE_PROFILE, "0"},
 };
+
+constexpr catalogue_group application_groups[] = {
+    {"Application", application_rows},
+};
 // clang-format on
 
 } // namespace
 
-std::span<const catalogue_row> application_catalogue() { return application_rows; }
+std::span<const catalogue_group> application_catalogue() { return application_groups; }

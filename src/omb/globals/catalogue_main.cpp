@@ -6,8 +6,7 @@
 namespace {
 
 // clang-format off
-constexpr catalogue_row main_rows[] = {
-    // Modes and the render farm
+constexpr catalogue_row modes_and_the_render_farm_rows[] = {
     {"bks_lowend_render_mode", SAVE_SESSION, "0"},
     {"bks_is_sorrel", SAVE_SESSION, "0"},
     {"bks_corvid_mode", SAVE_SESSION, "0"},
@@ -29,7 +28,8 @@ constexpr catalogue_row main_rows[] = {
     {"bks_render_farm_show_completed", SAVE_PROFILE, "1"},
     {"bks_anim_use_render_farm", OPTION_GLOBAL, "0"},
     {"iks_anim_render_farm_tasks", OPTION_GLOBAL, "6"},
-    // Run-time results and channels
+};
+constexpr catalogue_row run_time_results_and_channels_rows[] = {
     {"bks_use_material_channels", SAVE_NONE, "0"},
     {"rks_average_luminance", SAVE_NONE, "0.0"},
     {"bks_allow_lighting_channels_to_brighten_image", SAVE_PROFILE, "1"},
@@ -42,11 +42,13 @@ constexpr catalogue_row main_rows[] = {
     {"stsmaterial_type", SAVE_NONE, ""},
     {"sks_render_farm_cur_model", SAVE_NONE, ""},
     {"sks_render_farm_job_name", OPTION_GLOBAL, ""},
-    // Last image and temporary batch values
+};
+constexpr catalogue_row last_image_and_temporary_batch_values_rows[] = {
     {"sks_qor_image_full_path", SAVE_PROFILE, ""},
     {"rksb_camera_height", SAVE_PROFILE, "50.0"},
     {"rksb_top_view_image_height", SAVE_PROFILE, "1.0"},
-    // Dialog geometry and saved images
+};
+constexpr catalogue_row dialog_geometry_and_saved_images_rows[] = {
     {"bks_zoom_all", SAVE_PROFILE, "0"},
     {"iks_dialog_x", SAVE_PROFILE, "0"},
     {"iks_dialog_y", SAVE_PROFILE, "0"},
@@ -67,7 +69,8 @@ constexpr catalogue_row main_rows[] = {
     {"sks_last_jpeg_file", SAVE_PROFILE, ""},
     {"sks_save_batch_folder", SAVE_PROFILE, ""},
     {"sks_save_batch_name", SAVE_NONE, ""},
-    // Host colours and light defaults of a second host
+};
+constexpr catalogue_row host_colours_and_light_defaults_of_a_second_host_rows[] = {
     {"cskp_sky_color", OPTION_GLOBAL, "#ffffff"},
     {"cskp_ground_color", OPTION_GLOBAL, "#ffffff"},
     {"cskp_bk_color", OPTION_GLOBAL, "#ffffff"},
@@ -79,7 +82,8 @@ constexpr catalogue_row main_rows[] = {
     {"rks_zw_light_width", OPTION_GLOBAL, "12.0"},
     {"rks_zw_light_beam_angle", OPTION_GLOBAL, "45.0"},
     {"rks_zw_light_field_angle", OPTION_GLOBAL, "0.0"},
-    // List dialogs and texture filters
+};
+constexpr catalogue_row list_dialogs_and_texture_filters_rows[] = {
     {"iks_matl_dialog_x", SAVE_PROFILE, "0"},
     {"iks_matl_dialog_y", SAVE_PROFILE, "0"},
     {"iks_matl_dialog_hgt", SAVE_PROFILE, "0"},
@@ -96,7 +100,8 @@ constexpr catalogue_row main_rows[] = {
     {"iks_remake_sketchup_texture", SAVE_PROFILE, "0"},
     {"bks_show_close_batch_warning", SAVE_PROFILE, "1"},
     {"bks_rendering_was_saved", SAVE_NONE, "0"},
-    // Tone operator, camera and filters
+};
+constexpr catalogue_row tone_operator_camera_and_filters_rows[] = {
     {"rks_tone_operator_brightness", SAVE_NONE, "0.0"},
     {"rks_tone_operator_burn", SAVE_NONE, "0.0"},
     {"rks_tone_operator_saturation", SAVE_NONE, "0.0"},
@@ -128,7 +133,8 @@ constexpr catalogue_row main_rows[] = {
     {"bks_remember_filters", OPTION_GLOBAL, "0"},
     {"iks_light_balance", OPTION_GLOBAL, "50"},
     {"iks_shadow_softness", OPTION_GLOBAL, "50"},
-    // Render sizes and stop limits
+};
+constexpr catalogue_row render_sizes_and_stop_limits_rows[] = {
     {"iqor_render_default_size_small", OPTION_NON_DATABASE_GLOBAL, "600"},
     {"iqor_render_default_size_medium", OPTION_NON_DATABASE_GLOBAL, "900"},
     {"iqor_render_default_size_large", OPTION_NON_DATABASE_GLOBAL, "1200"},
@@ -142,7 +148,8 @@ constexpr catalogue_row main_rows[] = {
     {"iks_auto_background_filter", SAVE_NONE, "0"},
     {"iom_sel_txtr_list_mode", SAVE_PROFILE, "0"},
     {"iom_sel_wall_list_mode", SAVE_PROFILE, "0"},
-    // Plants
+};
+constexpr catalogue_row plants_rows[] = {
     {"bks_display_all_plants_as_2d_images", OPTION_GLOBAL, "0"},
     {"bks_use_plant_width", OPTION_GLOBAL, "0"},
     {"iks_plant_season", OPTION_GLOBAL, "1"},
@@ -151,7 +158,8 @@ constexpr catalogue_row main_rows[] = {
     {"iks_plant_prune", OPTION_GLOBAL, "0"},
     {"bks_plant_random_rotation", OPTION_GLOBAL, "0"},
     {"iks_plant_random_height", OPTION_GLOBAL, "1"},
-    // Host flags
+};
+constexpr catalogue_row host_flags_rows[] = {
     {"bqor_is_from_batch", SAVE_SESSION, "0"},
     {"bqor_is_sketchup", SAVE_SESSION, "1"},
     {"bqor_is_tsrevit", SAVE_SESSION, "0"},
@@ -160,7 +168,8 @@ constexpr catalogue_row main_rows[] = {
     {"bqor_is_brinmoor", SAVE_SESSION, "0"},
     {"bqor_is_qrac", SAVE_SESSION, "0"},
     {"bqor_is_acad_oem", SAVE_SESSION, "0"},
-    // Sky
+};
+constexpr catalogue_row sky_rows[] = {
     {"its_new_material_type", SAVE_NONE, "0"},
     {"iks_sky_type", OPTION_GLOBAL, "2"},
     {"bks_sun_setting_native", OPTION_GLOBAL, "1"},
@@ -172,7 +181,8 @@ constexpr catalogue_row main_rows[] = {
     {"sks_sky_hdr", OPTION_GLOBAL, "rnl_probe.hdr"},
     {"iks_hdri_sub_tab", SAVE_NONE, "1"},
     {"sks_last_material_path", SAVE_PROFILE, ""},
-    // Render quality and output size
+};
+constexpr catalogue_row render_quality_and_output_size_rows[] = {
     {"iks_save_image_action", SAVE_PROFILE, "0"},
     {"bks_no_blurry_reflection", OPTION_GLOBAL, "1"},
     {"iks_lighting_preset_mode", OPTION_GLOBAL, "2"},
@@ -181,7 +191,8 @@ constexpr catalogue_row main_rows[] = {
     {"iks_reflective_bounces", OPTION_GLOBAL, "3"},
     {"iks_refractive_bounces", OPTION_GLOBAL, "6"},
     {"rks_edge_line_width", OPTION_GLOBAL, "2.0"},
-    // Edge lines (second mention)
+};
+constexpr catalogue_row edge_lines_rows[] = {
     {"iks_edge_lines", OPTION_GLOBAL, "0"},
     {"rks_depth_of_field", OPTION_GLOBAL, "0.0"},
     {"rks_focal_distance", OPTION_GLOBAL, "0.0"},
@@ -200,7 +211,8 @@ constexpr catalogue_row main_rows[] = {
     {"bks_use_saved_camera", OPTION_GLOBAL, "0"},
     {"sks_saved_camera", OPTION_GLOBAL, ""},
     {"sks_saved_camera_full", OPTION_GLOBAL, ""},
-    // Lighting and engine
+};
+constexpr catalogue_row lighting_and_engine_rows[] = {
     {"iks_material_wizard_display", SAVE_PROFILE, "1"},
     {"iks_indirect_lighting", OPTION_GLOBAL, "0"},
     {"bks_monte_carlo_reflection", OPTION_GLOBAL, "0"},
@@ -228,7 +240,8 @@ constexpr catalogue_row main_rows[] = {
     {"bks_process_invisible_lights", OPTION_GLOBAL, "0"},
     {"bks_auto_reflection", OPTION_GLOBAL, "0"},
     {"buse_small_icons_on_setup_wizard", SAVE_PROFILE, "1"},
-    // Limits, sections and sun
+};
+constexpr catalogue_row limits_sections_and_sun_rows[] = {
     {"iks_max_image_resolution", OPTION_GLOBAL, "1000"},
     {"iks_section_planes", OPTION_GLOBAL, "0"},
     {"bks_lowend_section_planes", OPTION_GLOBAL, "1"},
@@ -259,7 +272,8 @@ constexpr catalogue_row main_rows[] = {
     {"iqor_last_longitude_dir", SAVE_PROFILE, "0"},
     {"rqor_last_latitude", SAVE_PROFILE, "40.0"},
     {"rqor_last_longitude", SAVE_PROFILE, "105.0"},
-    // Fog
+};
+constexpr catalogue_row fog_rows[] = {
     {"bks_enable_fog", OPTION_GLOBAL, "0"},
     {"bks_fog_warning_out", SAVE_NONE, "0"},
     {"iks_fog_bounds", OPTION_GLOBAL, "0"},
@@ -273,7 +287,8 @@ constexpr catalogue_row main_rows[] = {
     {"rks_fog_pmax_y", OPTION_GLOBAL, "6.0"},
     {"rks_fog_pmax_z", OPTION_GLOBAL, "6.0"},
     {"cks_fog_color", OPTION_GLOBAL, "#ffffff"},
-    // Automatic image output
+};
+constexpr catalogue_row automatic_image_output_rows[] = {
     {"bks_prompt_before_rendering", OPTION_NON_DATABASE_GLOBAL, "0"},
     {"bks_make_auto_image_name_unique", OPTION_NON_DATABASE_GLOBAL, "1"},
     {"bks_auto_image_transparent", OPTION_GLOBAL, "0"},
@@ -287,14 +302,16 @@ constexpr catalogue_row main_rows[] = {
     {"bks_add_jpeg_comment", OPTION_NON_DATABASE_GLOBAL, "0"},
     {"iks_image_quality", OPTION_NON_DATABASE_GLOBAL, "95"},
     {"iks_image_resolution", OPTION_NON_DATABASE_GLOBAL, "72"},
-    // Ambient and ground
+};
+constexpr catalogue_row ambient_and_ground_rows[] = {
     {"iks_ambient_type", OPTION_GLOBAL, "2"},
     {"bks_sky_reflected_if_off", OPTION_GLOBAL, "1"},
     {"bks_sky_illuminates_if_off", OPTION_GLOBAL, "1"},
     {"bks_studio_brightness", OPTION_GLOBAL, "1"},
     {"bks_alpha_ground_plane", OPTION_GLOBAL, "0"},
     {"bks_ground_plane_opaque", OPTION_GLOBAL, "1"},
-    // Background image
+};
+constexpr catalogue_row background_image_rows[] = {
     {"sqor_background_image", OPTION_GLOBAL, ""},
     {"bks_is_planer_hdri", SAVE_NONE, "0"},
     {"sqor_original_background_image", SAVE_DATABASE, ""},
@@ -307,7 +324,8 @@ constexpr catalogue_row main_rows[] = {
     {"bqor_reflect_background_image", OPTION_GLOBAL, "0"},
     {"bqor_store_background_in_model", OPTION_GLOBAL, "1"},
     {"iqor_background_perspective_mode", OPTION_GLOBAL, "0"},
-    // Image distortion corners
+};
+constexpr catalogue_row image_distortion_corners_rows[] = {
     {"rqor_distort_ll_offset_x", OPTION_GLOBAL, "0.0"},
     {"rqor_distort_lr_offset_x", OPTION_GLOBAL, "0.0"},
     {"rqor_distort_ul_offset_x", OPTION_GLOBAL, "0.0"},
@@ -324,7 +342,8 @@ constexpr catalogue_row main_rows[] = {
     {"rqor_fg_distort_lr_offset_y", OPTION_GLOBAL, "0.0"},
     {"rqor_fg_distort_ul_offset_y", OPTION_GLOBAL, "0.0"},
     {"rqor_fg_distort_ur_offset_y", OPTION_GLOBAL, "0.0"},
-    // Image layer display
+};
+constexpr catalogue_row image_layer_display_rows[] = {
     {"bqor_show_backgd_while_resizing", OPTION_GLOBAL, "1"},
     {"bqor_display_all_layers", SAVE_NONE, "1"},
     {"bqor_display_show_hdri_layer", SAVE_NONE, "1"},
@@ -336,7 +355,8 @@ constexpr catalogue_row main_rows[] = {
     {"cks_bkgnd_fill_color", SAVE_PROFILE, "#333333"},
     {"bqor_show_wireframe_model", SAVE_PROFILE, "0"},
     {"iqor_model_opacity", SAVE_PROFILE, "100"},
-    // Background placement
+};
+constexpr catalogue_row background_placement_rows[] = {
     {"bqor_background_use_auto_room", OPTION_GLOBAL, "1"},
     {"iqor_background_projection", OPTION_GLOBAL, "0"},
     {"rqor_background_rotation", OPTION_GLOBAL, "0.0"},
@@ -353,7 +373,8 @@ constexpr catalogue_row main_rows[] = {
     {"iks_foreground_brightness", OPTION_GLOBAL, "50"},
     {"iks_foreground_contrast", OPTION_GLOBAL, "50"},
     {"bks_foreground_blur", OPTION_GLOBAL, "0"},
-    // Foreground image
+};
+constexpr catalogue_row foreground_image_rows[] = {
     {"sqor_foreground_image", OPTION_GLOBAL, ""},
     {"sqor_sketchup_image", OPTION_NON_DATABASE_GLOBAL, ""},
     {"iqor_foreground_display_position", OPTION_GLOBAL, "0"},
@@ -368,7 +389,8 @@ constexpr catalogue_row main_rows[] = {
     {"rqor_foreground_yoffset", OPTION_GLOBAL, "0.0"},
     {"rqor_foreground_xscale", OPTION_GLOBAL, "100.0"},
     {"rqor_foreground_yscale", OPTION_GLOBAL, "100.0"},
-    // Lumens and batch folder
+};
+constexpr catalogue_row lumens_and_batch_folder_rows[] = {
     {"rqor_average_lumens", SAVE_PROFILE, "5000.0"},
     {"rqor_max_lumens", SAVE_PROFILE, "20000.0"},
     {"slast_image_to_convert", SAVE_PROFILE, ""},
@@ -380,7 +402,8 @@ constexpr catalogue_row main_rows[] = {
     {"iqor_batch_action", OPTION_GLOBAL, "0"},
     {"bks_batch_log_file", OPTION_GLOBAL, "0"},
     {"rqor_groundplane_elevation", OPTION_GLOBAL, "-0.01"},
-    // Ground plane, dialogs and hidden switches
+};
+constexpr catalogue_row ground_plane_dialogs_and_hidden_switches_rows[] = {
     {"bqor_load_material_editor", SAVE_NONE, "0"},
     {"bks_show_material_preview", SAVE_PROFILE, "0"},
     {"bks_special_surface_processing", SAVE_PROFILE, "0"},
@@ -392,7 +415,8 @@ constexpr catalogue_row main_rows[] = {
     {"bks_kestra_show_post_rendering_dialog", SAVE_PROFILE, "1"},
     {"bks_save_debug_text_file", SAVE_PROFILE, "0"},
     {"bks_auto_synch_materials", SAVE_PROFILE, "0"},
-    // Selection and third renderer
+};
+constexpr catalogue_row selection_and_third_renderer_rows[] = {
     {"bks_render_selection_set", OPTION_GLOBAL, "1"},
     {"bks_show_render_selection_set", SAVE_NONE, "1"},
     {"bks_apply_metric_25_4_factor", OPTION_GLOBAL, "0"},
@@ -406,7 +430,8 @@ constexpr catalogue_row main_rows[] = {
     {"isr_sky_intensity", OPTION_GLOBAL, "100"},
     {"isr_env_intensity", OPTION_GLOBAL, "100"},
     {"bsr_visible_sun", OPTION_GLOBAL, "0"},
-    // Material browser
+};
+constexpr catalogue_row material_browser_rows[] = {
     {"slast_material_library_folder", SAVE_PROFILE, ""},
     {"slast_material_library_selection", SAVE_PROFILE, ""},
     {"bshow_matl_browse_ok", SAVE_NONE, "0"},
@@ -424,7 +449,8 @@ constexpr catalogue_row main_rows[] = {
     {"sff_material_selected_material", SAVE_NONE, ""},
     {"sff_material_selected_fullpath", SAVE_NONE, ""},
     {"bqor_suppress_assignment_mode", SAVE_NONE, "0"},
-    // Automatic room
+};
+constexpr catalogue_row automatic_room_rows[] = {
     {"bks_use_auto_room", OPTION_GLOBAL, "0"},
     {"bks_auto_room_add_ceiling", OPTION_GLOBAL, "1"},
     {"bks_auto_room_use_walls", OPTION_GLOBAL, "1"},
@@ -450,7 +476,8 @@ constexpr catalogue_row main_rows[] = {
     {"bks_auto_wall_load_wall1", SAVE_NONE, "1"},
     {"bks_auto_wall_load_wall2", SAVE_NONE, "1"},
     {"bks_auto_wall_show_horizon", SAVE_NONE, "0"},
-    // Preset rooms
+};
+constexpr catalogue_row preset_rooms_rows[] = {
     {"iks_preset_room_load_mode", OPTION_GLOBAL, "0"},
     {"iks_preset_room_save_number", SAVE_NONE, "0"},
     {"bks_preset_room_save_walls", SAVE_NONE, "1"},
@@ -462,11 +489,13 @@ constexpr catalogue_row main_rows[] = {
     {"iks_txtr_dpi", SAVE_PROFILE, "72"},
     {"iks_options_mode", SAVE_NONE, "0"},
     {"iks_start_render_after_dialog_closed", OPTION_GLOBAL, "0"},
-    // Component options
+};
+constexpr catalogue_row component_options_rows[] = {
     {"bks_use_criss_cross_for_2d_rpcs", OPTION_GLOBAL, "0"},
     {"bks_save_rpcs_file", SAVE_PROFILE, "0"},
     {"bks_edges_cast_shadows", SAVE_PROFILE, "0"},
-    // Lighting channels
+};
+constexpr catalogue_row lighting_channels_rows[] = {
     {"sks_lighting_channel_name0", OPTION_GLOBAL, "Sun"},
     {"sks_lighting_channel_name1", OPTION_GLOBAL, "Sky"},
     {"sks_lighting_channel_name2", OPTION_GLOBAL, "Other"},
@@ -494,7 +523,8 @@ constexpr catalogue_row main_rows[] = {
     {"bks_lighting_channel_on6", OPTION_GLOBAL, "1"},
     {"bks_lighting_channel_on7", OPTION_GLOBAL, "1"},
     {"bks_lighting_channel_on8", OPTION_GLOBAL, "1"},
-    // Material channel and selection
+};
+constexpr catalogue_row material_channel_and_selection_rows[] = {
     {"sks_last_material_channel_file", OPTION_GLOBAL, ""},
     {"iks_acad_instance_handle", SAVE_NONE, "0"},
     {"iks_selected_color_index", SAVE_NONE, "0"},
@@ -502,7 +532,8 @@ constexpr catalogue_row main_rows[] = {
     {"sks_acad_block_selected", SAVE_NONE, ""},
     {"sks_new_material_cat", SAVE_NONE, ""},
     {"sks_new_material_name", SAVE_NONE, ""},
-    // Post effects
+};
+constexpr catalogue_row post_effects_rows[] = {
     {"rks_vignette", OPTION_GLOBAL, "0.0"},
     {"rks_haze_intensity", OPTION_GLOBAL, "0.0"},
     {"rks_haze_near", OPTION_GLOBAL, "0.0"},
@@ -514,13 +545,15 @@ constexpr catalogue_row main_rows[] = {
     {"rks_glare_threshold", OPTION_GLOBAL, "3600.0"},
     {"cks_haze_color", OPTION_GLOBAL, "#cccccc"},
     {"iks_blur_mode", SAVE_NONE, "0"},
-    // Threads and schemes
+};
+constexpr catalogue_row threads_and_schemes_rows[] = {
     {"bks_is_displaying_native_image", SAVE_NONE, "0"},
     {"sks_current_user_room", OPTION_GLOBAL, ""},
     {"iks_processor_cores", SAVE_NONE, "0"},
     {"iks_threads_selection", SAVE_PROFILE, "0"},
     {"iks_max_threads", SAVE_PROFILE, "-1"},
-    // Animation
+};
+constexpr catalogue_row animation_rows[] = {
     {"bks_anim_save_alpha_pngs", OPTION_GLOBAL, "0"},
     {"sks_last_scheme", SAVE_PROFILE, "Scheme 1"},
     {"bks_auto_movie_background", OPTION_GLOBAL, "0"},
@@ -537,7 +570,8 @@ constexpr catalogue_row main_rows[] = {
     {"bks_anim_lock_tone_operator", OPTION_GLOBAL, "0"},
     {"rks_anim_world_avg_lum", OPTION_GLOBAL, "0.0"},
     {"bks_use_lc_avg_lum_for_anim", OPTION_GLOBAL, "0"},
-    // Camera light
+};
+constexpr catalogue_row camera_light_rows[] = {
     {"rks_camera_light_offset_x", SAVE_PROFILE, "12.0"},
     {"rks_camera_light_offset_y", SAVE_PROFILE, "3.0"},
     {"rks_camera_light_lamp_size", SAVE_PROFILE, "3.0"},
@@ -548,7 +582,8 @@ constexpr catalogue_row main_rows[] = {
     {"rks_camera_light_intensity", SAVE_PROFILE, "75.0"},
     {"cks_camera_light_color", SAVE_PROFILE, "#ffffff"},
     {"iks_camera_light_channel", SAVE_PROFILE, "0"},
-    // Decals and lights lists
+};
+constexpr catalogue_row decals_and_lights_lists_rows[] = {
     {"rks_sky_pitch", OPTION_GLOBAL, "0.0"},
     {"bks_zoom_hdri", SAVE_NONE, "1"},
     {"iks_layer_wizard_tab", SAVE_PROFILE, "1"},
@@ -565,7 +600,8 @@ constexpr catalogue_row main_rows[] = {
     {"iks_light_sort_column", SAVE_PROFILE, "0"},
     {"bks_light_sort_descending", SAVE_PROFILE, "0"},
     {"bks_reverse_lamp_direction", SAVE_PROFILE, "0"},
-    // Material and web lists
+};
+constexpr catalogue_row material_and_web_lists_rows[] = {
     {"iks_material_display_mode", SAVE_PROFILE, "1"},
     {"bks_material_display_large", SAVE_PROFILE, "0"},
     {"sks_url_compoment_type", SAVE_NONE, ""},
@@ -578,7 +614,8 @@ constexpr catalogue_row main_rows[] = {
     {"sns_cur_url_category", SAVE_PROFILE, ""},
     {"sns_last_url_subcategory", SAVE_PROFILE, ""},
     {"sns_last_url_list_item", SAVE_PROFILE, ""},
-    // Library selections
+};
+constexpr catalogue_row library_selections_rows[] = {
     {"iks_lamps_tab", SAVE_PROFILE, "0"},
     {"stsdll_material_lib", SAVE_PROFILE, ""},
     {"stsdll_material_name", SAVE_PROFILE, ""},
@@ -592,7 +629,8 @@ constexpr catalogue_row main_rows[] = {
     {"sks_selected_material_style_category", SAVE_PROFILE, ""},
     {"iom_cur_select_material_tab", SAVE_PROFILE, "0"},
     {"sks_library_tsmaterial_name", SAVE_PROFILE, ""},
-    // One-button render and layer materials
+};
+constexpr catalogue_row one_button_render_and_layer_materials_rows[] = {
     {"sks_green_button_defaults", SAVE_PROFILE, "Draft"},
     {"bks_split_rectangular_lights", SAVE_PROFILE, "0"},
     {"rks_floor_image_width", OPTION_GLOBAL, "12.0"},
@@ -615,7 +653,8 @@ constexpr catalogue_row main_rows[] = {
     {"bks_metallic", OPTION_GLOBAL, "0"},
     {"bks_auto_bump", OPTION_GLOBAL, "0"},
     {"bks_auto_maintain_aspect", OPTION_GLOBAL, "0"},
-    // Options dialog panes
+};
+constexpr catalogue_row options_dialog_panes_rows[] = {
     {"bks_show_layer_list", SAVE_PROFILE, "1"},
     {"sks_get_rpc_plugin", SAVE_NONE, ""},
     {"bdlg_options_show_full_pane", SAVE_PROFILE, "0"},
@@ -632,8 +671,52 @@ constexpr catalogue_row main_rows[] = {
     {"rks_bottom_margin", OPTION_GLOBAL, "0.25"},
     {"bom_use_locale_formatting", SAVE_PROFILE, "1"},
 };
+
+constexpr catalogue_group main_groups[] = {
+    {"Modes and the render farm", modes_and_the_render_farm_rows},
+    {"Run-time results and channels", run_time_results_and_channels_rows},
+    {"Last image and temporary batch values", last_image_and_temporary_batch_values_rows},
+    {"Dialog geometry and saved images", dialog_geometry_and_saved_images_rows},
+    {"Host colours and light defaults of a second host", host_colours_and_light_defaults_of_a_second_host_rows},
+    {"List dialogs and texture filters", list_dialogs_and_texture_filters_rows},
+    {"Tone operator, camera and filters", tone_operator_camera_and_filters_rows},
+    {"Render sizes and stop limits", render_sizes_and_stop_limits_rows},
+    {"Plants", plants_rows},
+    {"Host flags", host_flags_rows},
+    {"Sky", sky_rows},
+    {"Render quality and output size", render_quality_and_output_size_rows},
+    {"Edge lines", edge_lines_rows},
+    {"Lighting and engine", lighting_and_engine_rows},
+    {"Limits, sections and sun", limits_sections_and_sun_rows},
+    {"Fog", fog_rows},
+    {"Automatic image output", automatic_image_output_rows},
+    {"Ambient and ground", ambient_and_ground_rows},
+    {"Background image", background_image_rows},
+    {"Image distortion corners", image_distortion_corners_rows},
+    {"Image layer display", image_layer_display_rows},
+    {"Background placement", background_placement_rows},
+    {"Foreground image", foreground_image_rows},
+    {"Lumens and batch folder", lumens_and_batch_folder_rows},
+    {"Ground plane, dialogs and hidden switches", ground_plane_dialogs_and_hidden_switches_rows},
+    {"Selection and third renderer", selection_and_third_renderer_rows},
+    {"Material browser", material_browser_rows},
+    {"Automatic room", automatic_room_rows},
+    {"Preset rooms", preset_rooms_rows},
+    {"Component options", component_options_rows},
+    {"Lighting channels", lighting_channels_rows},
+    {"Material channel and selection", material_channel_and_selection_rows},
+    {"Post effects", post_effects_rows},
+    {"Threads and schemes", threads_and_schemes_rows},
+    {"Animation", animation_rows},
+    {"Camera light", camera_light_rows},
+    {"Decals and lights lists", decals_and_lights_lists_rows},
+    {"Material and web lists", material_and_web_lists_rows},
+    {"Library selections", library_selections_rows},
+    {"One-button render and layer materials", one_button_render_and_layer_materials_rows},
+    {"Options dialog panes", options_dialog_panes_rows},
+};
 // clang-format on
 
 } // namespace
 
-std::span<const catalogue_row> main_catalogue() { return main_rows; }
+std::span<const catalogue_group> main_catalogue() { return main_groups; }

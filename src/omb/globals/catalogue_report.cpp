@@ -5,7 +5,7 @@
 namespace {
 
 // clang-format off
-constexpr catalogue_row report_rows[] = {
+constexpr catalogue_row reports_rows[] = {
     {"irpt_page_size", SAVE_PROFILE, "0"},
     {"brpt_page_landscape", SAVE_PROFILE, "0"},
     {"rrpt_page_width", OPTION_GLOBAL, "8.5"},
@@ -17,11 +17,6 @@ constexpr catalogue_row report_rows[] = {
     {"brpt_show_logo", OPTION_GLOBAL, "0"},
     {"srpt_logo_file", SAVE_PROFILE, ""},
     {"rrpt_logo_width", OPTION_GLOBAL, "1.5"},
-    {"brpt_show_page_number", OPTION_GLOBAL, "1"},
-    {"brpt_show_date", OPTION_GLOBAL, "1"},
-    {"srpt_title", OPTION_GLOBAL, ""},
-    {"srpt_footer", OPTION_GLOBAL, ""},
-    {"srpt_font_name", SAVE_PROFILE, "Arial"},
     {"irpt_title_font_size", SAVE_PROFILE, "18", true},
     {"irpt_subtitle_font_size", SAVE_PROFILE, "14", true},
     {"irpt_heading_font_size", SAVE_PROFILE, "12", true},
@@ -31,12 +26,13 @@ constexpr catalogue_row report_rows[] = {
     {"irpt_label_font_size", SAVE_PROFILE, "8", true},
     {"irpt_header_font_size", SAVE_PROFILE, "8", true},
     {"irpt_footer_font_size", SAVE_PROFILE, "8", true},
-    {"crpt_title_color", OPTION_GLOBAL, "#000000"},
-    {"crpt_text_color", OPTION_GLOBAL, "#000000"},
-    {"brpt_list_lights", OPTION_GLOBAL, "0"},
+};
+
+constexpr catalogue_group report_groups[] = {
+    {"Reports", reports_rows},
 };
 // clang-format on
 
 } // namespace
 
-std::span<const catalogue_row> report_catalogue() { return report_rows; }
+std::span<const catalogue_group> report_catalogue() { return report_groups; }
