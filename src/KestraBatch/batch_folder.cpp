@@ -55,7 +55,7 @@ void read_settings(const Parameters& params, WarningList& warnings) {
     const auto path = params.resolve(params.globals_file);
     if (params.globals_file.empty() || !is_readable(path)) {
         warnings.add("settings-missing",
-                     path.string() + ": no such file; factory settings are used");
+                     path.string() + ": no such file; the user's own settings are used");
     } else {
         read_option_globals_from_settings_file(path.string());
     }
@@ -64,17 +64,16 @@ void read_settings(const Parameters& params, WarningList& warnings) {
     }
 }
 
-/// Globals from the catalogue alone, then the folder's; returns the lines that differ.
+/// The user's settings, then the folder's; returns the lines that differ from the factory values.
 std::vector<std::string> load_globals(const Parameters& params, WarningList& warnings) {
     globals.clear();
     preset_application_globals(0);
     preset_report_globals(0);
-    const auto defaults = lines_of(option_globals_text());
     read_settings(params, warnings);
     std::vector<std::string> changed;
-    const std::set<std::string> known(defaults.begin(), defaults.end());
     for (std::string& line : lines_of(option_globals_text())) {
-        if (!known.contains(line)) {
+        const cl_variable_base* variable = globals.lookup(line.substr(0, line.find(';')));
+        if (variable != nullptr && variable->value_text() != variable->default_text()) {
             changed.push_back(std::move(line));
         }
     }

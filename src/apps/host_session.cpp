@@ -3,7 +3,6 @@
 
 #include "apps/exit_codes.h"
 #include "host/rx/module.h"
-#include "omb/base/message_box.h"
 #include "platform/files.h"
 
 #include <algorithm>
@@ -85,6 +84,11 @@ void TerminalPort::alert(const std::string& text) {
 
 HostSession::HostSession(const std::string& drawing)
   : drawing_(drawing) {
+    // Without windows the program tells through the host's command line what a box would hold.
+    old_window_port_ = set_window_port(std::make_unique<cl_headless_window_port>(
+        [](const std::string& text, const std::string& title) {
+            acedAlert(title.empty() ? text : title + ": " + text);
+        }));
     auto database = std::make_unique<AcDbDatabase>(false);
     std::string error;
     const Acad::ErrorStatus status =
@@ -101,14 +105,10 @@ HostSession::HostSession(const std::string& drawing)
 HostSession::~HostSession() {
     acrxUnloadAllModules();
     acDocManager()->closeAll();
-    set_window_port(nullptr);
+    set_window_port(std::move(old_window_port_));
 }
 
 void HostSession::load_add_on() {
-    // Without windows of its own the add-on tells what a box would hold through its host.
-    set_message_sink([](const std::string& text, const std::string& title) {
-        acedAlert(title.empty() ? text : title + ": " + text);
-    });
     const auto path = platform::program_file().parent_path() / kAddOn;
     std::string error;
     if (!acrxLoadModule(path, error)) {

@@ -4,6 +4,7 @@
 #include "apps/options.h"
 #include "host/ed/document.h"
 #include "host/ed/ed.h"
+#include "omb/base/message_box.h"
 
 #include <filesystem>
 #include <memory>
@@ -57,6 +58,7 @@ public:
 
 private:
     std::string drawing_;
+    std::unique_ptr<cl_window_port> old_window_port_;
 };
 
 /// Installs handlers for SIGINT and SIGTERM once; the count of signals received so far.

@@ -1,6 +1,7 @@
 // The batch process: renders the batch folder that is named on its command line.
 #include "KestraBatch/run_batch.h"
 #include "apps/version.h"
+#include "omb/base/profile.h"
 #include "omb/base/trace.h"
 #include "platform/files.h"
 #include "platform/line_channel.h"
@@ -89,6 +90,7 @@ int threads_from_environment() {
 int main(int argc, char** argv) {
     platform::ignore_broken_pipes();
     start_trace_from_environment();
+    open_user_profile(profile_use::read_only); // settings go back through option_globals.txt
     std::signal(SIGINT, on_signal);
     std::signal(SIGTERM, on_signal);
     const std::string version = apps::version_text();

@@ -3,6 +3,7 @@
 #include "apps/host_session.h"
 #include "apps/options.h"
 #include "apps/verbs.h"
+#include "omb/base/message_box.h"
 #include "omb/base/trace.h"
 
 #include <cstdio>
@@ -62,6 +63,8 @@ int main(int argc, char** argv) {
         setenv("QORVANE_LOG_FILE", path.c_str(), 1);
     }
     start_trace_from_environment();
+    // What a box would hold is told on the terminal.
+    set_message_sink([](const std::string& text, const std::string&) { tell(text); });
     try {
         return run(parsed.options);
     } catch (const apps::Failure& failure) {

@@ -4,6 +4,7 @@
 #include "apps/progress.h"
 #include "apps/render_request.h"
 #include "apps/verbs.h"
+#include "omb/base/profile.h"
 #include "platform/files.h"
 #include "platform/process.h"
 
@@ -13,6 +14,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -77,9 +79,6 @@ void check_flags(const Options& options) {
     if (!options.materials.empty()) {
         throw Failure{kUsage, "--material is not there yet"};
     }
-    if (options.save) {
-        throw Failure{kUsage, "--save is not there yet"};
-    }
 }
 
 /// Makes the batch folder and hands its name to the add-on.
@@ -143,6 +142,10 @@ public:
                 fmt::print(stderr, "qorvane: {}\n", line);
             }
         }
+        if (options.save) {
+            check_savable();
+        }
+        request_.emplace(options_, session_.database());
         session_.load_add_on();
     }
     ~RenderSession() { acedSetInputPort(nullptr); }
@@ -150,7 +153,7 @@ public:
     RenderSession& operator=(const RenderSession&) = delete;
 
     ResolvedView view(const std::string& word) {
-        const PictureSize size = picture_size(options_);
+        const PictureSize size = request_->size();
         ResolvedView resolved;
         std::string error;
         if (!resolve_view(session_.database(), word, static_cast<double>(size.width) / size.height,
@@ -160,6 +163,7 @@ public:
         return resolved;
     }
     HostSession& host() { return session_; }
+    RenderRequest& request() { return *request_; }
     /// Shows what the add-on told in passing.
     void show_alerts() {
         for (const std::string& line : port_.take_alerts()) {
@@ -184,10 +188,34 @@ public:
     }
 
 private:
+    /// Tells before the work begins what would keep the settings out of the drawing's file.
+    void check_savable() {
+        const std::string& drawing = options_.operands.front();
+        std::string why = RenderRequest::why_not_savable(session_.database());
+        if (why.empty() && access(drawing.c_str(), W_OK) != 0) {
+            why = "the file cannot be written to";
+        }
+        if (!why.empty()) {
+            throw Failure{kUnwritable, fmt::format("{}: --save: {}", drawing, why)};
+        }
+    }
+
     const Options& options_;
     TerminalPort port_;
     HostSession session_;
+    std::optional<RenderRequest> request_;
 };
+
+/// Stores the settings in the drawing's file, once a render of them has begun.
+void save_settings(const Options& options, RenderSession& session) {
+    std::string error;
+    if (!session.request().save(error)) {
+        throw Failure{kUnwritable, fmt::format("{}: {}", options.operands.front(), error)};
+    }
+    if (!options.quiet) {
+        fmt::print(stderr, "qorvane: {}: settings stored\n", options.operands.front());
+    }
+}
 
 std::vector<std::string> views_of(const Options& options) {
     return options.views.empty() ? std::vector<std::string>{"auto"} : options.views;
@@ -200,13 +228,13 @@ void print_phase(const Options& options, const char* phase) {
     }
 }
 
-int render_view(const Options& options, RenderSession& session, const std::string& word,
+int render_view(const Options& options, RenderSession& session, const std::string& word, bool save,
                 ProgressChannel& channel) {
     const auto start = Clock::now();
     const ResolvedView view = session.view(word);
     const fs::path image = output_path(options, options.operands.front(), view.name);
     check_output(image, options.force);
-    store_request(options, session.host().database(), view, image);
+    session.request().store(view, image);
 
     print_phase(options, "extract");
     acedCommand("RENDER 1030");
@@ -221,6 +249,9 @@ int render_view(const Options& options, RenderSession& session, const std::strin
         throw session.extraction_failure();
     }
     session.show_alerts();
+    if (save) {
+        save_settings(options, session);
+    }
     if (options.verbosity > 0) {
         fmt::print(stderr, "qorvane: extracted in {:.2f} s\n", seconds_since(start));
     }
@@ -259,9 +290,12 @@ int run_render(const Options& options) {
         throw Failure{kFailed, error};
     }
     print_phase(options, "read");
+    // A render leaves the user's settings as they are: what it sets ends with it.
+    open_user_profile(profile_use::read_only);
     RenderSession session(options);
+    bool save = options.save;
     for (const std::string& word : views_of(options)) {
-        const int code = render_view(options, session, word, channel);
+        const int code = render_view(options, session, word, std::exchange(save, false), channel);
         if (code != kDone) {
             return code;
         }
@@ -273,9 +307,11 @@ int run_extract(const Options& options) {
     choose_batch_folder(options);
     install_interrupt_handlers();
     print_phase(options, "read");
+    // A render leaves the user's settings as they are: what it sets ends with it.
+    open_user_profile(profile_use::read_only);
     RenderSession session(options);
     const ResolvedView view = session.view(views_of(options).front());
-    store_request(options, session.host().database(), view, {});
+    session.request().store(view, {});
     print_phase(options, "extract");
     using Extract = int (*)();
     const auto extract =

@@ -2,6 +2,7 @@
 #include "apps/exit_codes.h"
 #include "apps/host_session.h"
 #include "apps/verbs.h"
+#include "omb/base/profile.h"
 
 #include <fstream>
 #include <iostream>
@@ -22,6 +23,7 @@ int run_script(const Options& options) {
     install_interrupt_handlers();
     TerminalPort port(&script, !options.quiet);
     AcEdInputPort* const old_port = acedSetInputPort(&port);
+    open_user_profile(profile_use::read_and_write); // a session of the host, as from a window
     HostSession session(options.operands.front());
     session.load_add_on();
     int code = kDone;

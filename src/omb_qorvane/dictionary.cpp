@@ -2,6 +2,7 @@
 #include "omb_qorvane/dictionary.h"
 
 #include "omb/base/folders.h"
+#include "omb/base/profile.h"
 #include "omb/base/trace.h"
 #include "omb/globals/catalogue.h"
 #include "omb/globals/option_globals.h"
@@ -197,13 +198,22 @@ void write_global_to_OMB_QorvaneDictionary(AcDbDatabase& database, const std::st
     }
 }
 
-void cl_omb_export::read_globals_from_OMB_QorvaneDictionary() {
+void remove_from_OMB_QorvaneDictionary(AcDbDatabase& database, const std::string& name) {
     const AcDbObjectPointer<AcDbDictionary> dictionary(
-        OMB_QorvaneDictionary(AcDb::kForRead, nullptr, true));
+        find_dictionary(AcDb::kForWrite, &database, false), AcDb::kForWrite);
+    if (dictionary) {
+        dictionary->remove(name);
+    }
+}
+
+void read_globals_from_OMB_QorvaneDictionary(AcDbDatabase& database) {
+    const AcDbObjectPointer<AcDbDictionary> dictionary(
+        find_dictionary(AcDb::kForRead, &database, true));
     if (!dictionary) {
         return;
     }
     trace_units("");
+    const cl_profile_bulk one_write;
     for (const AcDbDictionary::Entry& entry : dictionary->entries()) {
         record_values values;
         {
@@ -218,13 +228,14 @@ void cl_omb_export::read_globals_from_OMB_QorvaneDictionary() {
     trace_units("after read: ");
 }
 
-void cl_omb_export::write_globals_to_OMB_QorvaneDictionary() {
+void write_globals_to_OMB_QorvaneDictionary(AcDbDatabase& database,
+                                            const std::string& drawing_name) {
     const AcDbObjectPointer<AcDbDictionary> dictionary(
-        OMB_QorvaneDictionary(AcDb::kForWrite, nullptr, true), AcDb::kForWrite);
+        find_dictionary(AcDb::kForWrite, &database, true), AcDb::kForWrite);
     if (!dictionary) {
         return;
     }
-    put_record(*dictionary, name_record, AcDbValue(text_group, get_drawing_name()));
+    put_record(*dictionary, name_record, AcDbValue(text_group, drawing_name));
     std::vector<std::string> names;
     get_global_names_sorted(names);
     for (const std::string& name : names) {
@@ -232,6 +243,18 @@ void cl_omb_export::write_globals_to_OMB_QorvaneDictionary() {
         if (variable != nullptr && is_dictionary_type(variable->save_type) && name != name_record) {
             put_record(*dictionary, name, value_of(*variable));
         }
+    }
+}
+
+void cl_omb_export::read_globals_from_OMB_QorvaneDictionary() {
+    if (AcDbDatabase* database = acdbCurDwg(); database != nullptr) {
+        ::read_globals_from_OMB_QorvaneDictionary(*database);
+    }
+}
+
+void cl_omb_export::write_globals_to_OMB_QorvaneDictionary() {
+    if (AcDbDatabase* database = acdbCurDwg(); database != nullptr) {
+        ::write_globals_to_OMB_QorvaneDictionary(*database, get_drawing_name());
     }
 }
 

@@ -214,6 +214,26 @@ fs::path temporary_folder() {
     return own.empty() ? fs::path("/tmp") : fs::path(own);
 }
 
+std::vector<fs::path> system_config_folders() {
+    std::vector<fs::path> folders;
+    if (!environment("QORVANE_HOME").empty()) {
+        return folders;
+    }
+    std::string list = environment("XDG_CONFIG_DIRS");
+    if (list.empty()) {
+        list = "/etc/xdg";
+    }
+    std::string_view rest = list;
+    while (!rest.empty()) {
+        const std::size_t end = std::min(rest.find(':'), rest.size());
+        if (rest.starts_with('/')) { // relative names are to be ignored
+            folders.emplace_back(rest.substr(0, end));
+        }
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    return folders;
+}
+
 fs::path program_file() {
     std::error_code error;
     fs::path path = fs::read_symlink("/proc/self/exe", error);

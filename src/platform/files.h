@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace platform {
 
@@ -59,6 +60,9 @@ std::filesystem::path cache_folder();     ///< XDG_CACHE_HOME or ~/.cache
 std::filesystem::path state_folder();     ///< XDG_STATE_HOME or ~/.local/state
 std::filesystem::path documents_folder(); ///< XDG_DOCUMENTS_DIR or ~/Documents; not made
 std::filesystem::path temporary_folder(); ///< TMPDIR or /tmp
+/// Where settings for all users stand, the most important first: XDG_CONFIG_DIRS or /etc/xdg.
+/// None when `QORVANE_HOME` is set.
+std::vector<std::filesystem::path> system_config_folders();
 
 /// The running program's own file, and the file of the module that holds `address`.
 std::filesystem::path program_file();

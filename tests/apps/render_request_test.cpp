@@ -1,5 +1,6 @@
 #include "apps/render_request.h"
 
+#include "omb/base/profile.h"
 #include "omb/globals/globals.h"
 #include "omb_qorvane/dictionary.h"
 
@@ -47,7 +48,10 @@ protected:
                : chain[1].code == 1 ? chain[1].text()
                                     : std::to_string(chain[1].real());
     }
-    void SetUp() override { globals.clear(); }
+    void SetUp() override {
+        globals.clear();
+        set_profile(nullptr);
+    }
     AcDbDatabase database_;
     Options options_;
     ResolvedView view_;
@@ -56,7 +60,7 @@ protected:
 TEST_F(Request, DefaultsMakeAnExteriorPicture) {
     std::string error;
     ASSERT_TRUE(resolve_view(database_, "auto", 1.5, view_, error));
-    store_request(options_, database_, view_, "/out/haus.png");
+    RenderRequest(options_, database_).store(view_, "/out/haus.png");
     EXPECT_EQ(stored("bks_sun_on"), "1");
     EXPECT_EQ(stored("iks_sky_type"), "1");
     EXPECT_EQ(stored("bks_ground_plane"), "1");
@@ -71,7 +75,7 @@ TEST_F(Request, WhatIsAskedForWinsOverDefaultsAndTheDrawing) {
     options_.preset = "interior-no-sun";
     options_.globals = {
         {"iks_resx", "640"}, {"cks_fog_color", "#102030"}, {"rsr_physky_turbidity", "4.5"}};
-    store_request(options_, database_, view_, {});
+    RenderRequest(options_, database_).store(view_, {});
     EXPECT_EQ(stored("bks_sun_on"), "0");
     EXPECT_EQ(stored("iks_resx"), "640");
     EXPECT_EQ(stored("rsr_physky_turbidity"), std::to_string(4.5));
@@ -80,16 +84,45 @@ TEST_F(Request, WhatIsAskedForWinsOverDefaultsAndTheDrawing) {
 
 TEST_F(Request, ADrawingsOwnSettingsWinOverDefaults) {
     options_.globals = {{"bks_sun_on", "0"}, {"rqor_sun_altitude", "12"}};
-    store_request(options_, database_, view_, {});
+    RenderRequest(options_, database_).store(view_, {});
     globals.clear();
     options_.globals.clear();
-    store_request(options_, database_, view_, {});
+    RenderRequest(options_, database_).store(view_, {});
     EXPECT_EQ(stored("bks_sun_on"), "0");
     EXPECT_EQ(stored("rqor_sun_altitude"), std::to_string(12.0));
     options_.preset = "exterior";
     globals.clear();
-    store_request(options_, database_, view_, {});
+    RenderRequest(options_, database_).store(view_, {});
     EXPECT_EQ(stored("bks_sun_on"), "1") << "a preset that is asked for is meant";
+}
+
+TEST_F(Request, TheUsersOwnValuesWinOverDefaultsButNotOverTheDrawing) {
+    profile().write("Globals", "rqor_sun_altitude", "21");
+    profile().write("Globals", "iks_sky_type", "2");            // the factory value says nothing
+    profile().write("Globals", "sks_acad_drawing_units", "cm"); // of another drawing
+    profile().write("Globals", "rqor_groundplane_elevation", "77");
+    RenderRequest(options_, database_).store(view_, {});
+    EXPECT_EQ(stored("rqor_sun_altitude"), std::to_string(21.0));
+    EXPECT_EQ(stored("iks_sky_type"), "1");
+    EXPECT_EQ(stored("sks_acad_drawing_units"), "");
+    EXPECT_NE(stored("rqor_groundplane_elevation"), std::to_string(77.0));
+    profile().write("Globals", "rqor_sun_altitude", "33");
+    globals.clear();
+    RenderRequest(options_, database_).store(view_, {});
+    EXPECT_EQ(stored("rqor_sun_altitude"), std::to_string(21.0));
+}
+
+TEST_F(Request, TheSizeComesFromFlagsThenSettingsThenTheDefault) {
+    EXPECT_EQ(RenderRequest(options_, database_).size().width, 1200);
+    profile().write("Globals", "iks_render_size", "5");
+    profile().write("Globals", "iks_resx", "640");
+    profile().write("Globals", "iks_resy", "480");
+    globals.clear();
+    EXPECT_EQ(RenderRequest(options_, database_).size().width, 640);
+    EXPECT_EQ(RenderRequest(options_, database_).size().height, 480);
+    options_.width = 301;
+    options_.height = 200;
+    EXPECT_EQ(RenderRequest(options_, database_).size().width, 300);
 }
 
 } // namespace

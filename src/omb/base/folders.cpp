@@ -188,7 +188,8 @@ std::string get_temporary_directory() {
 }
 
 std::string get_application_data_folder() { return made(platform::data_folder()); }
-std::string get_settings_folder() { return made(platform::config_folder() / "qorvane"); }
+std::string settings_folder_path() { return (platform::config_folder() / "qorvane").string(); }
+std::string get_settings_folder() { return made(settings_folder_path()); }
 std::string get_state_folder() { return made(platform::state_folder() / "qorvane"); }
 
 std::string get_documents_folder() {

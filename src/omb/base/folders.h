@@ -39,6 +39,7 @@ std::string get_temporary_directory();
 /// The user's folders, made if missing; "" when that fails. `QORVANE_HOME` replaces all of them.
 std::string get_application_data_folder(); ///< $XDG_DATA_HOME or ~/.local/share
 std::string get_settings_folder();         ///< $XDG_CONFIG_HOME/qorvane or ~/.config/qorvane
+std::string settings_folder_path();        ///< the same, which need not be there
 std::string get_state_folder();            ///< $XDG_STATE_HOME/qorvane or ~/.local/state/qorvane
 /// Documents; falls back on application data, then on the temporary folder.
 std::string get_documents_folder();

@@ -1,10 +1,9 @@
 // The registry's stand-in, see registry.h.
 #include "omb/base/registry.h"
 
+#include "omb/base/profile.h"
 #include "omb/base/text.h"
 #include "omb/base/trace.h"
-
-#include <map>
 
 namespace {
 
@@ -13,10 +12,13 @@ constexpr std::string_view user_root = "HKEY_CURRENT_USER";
 constexpr std::string_view software = "SOFTWARE\\";
 constexpr std::string_view redirected = "SOFTWARE\\WOW6432Node\\";
 
-/// Values by lower-case full key text: registry names know no case.
-std::map<std::string, cl_registry_result>& entries() {
-    static std::map<std::string, cl_registry_result> map;
-    return map;
+constexpr std::string_view profile_path = "Software\\Ombrel Systems\\Profile\\";
+
+using holder = std::unique_ptr<cl_profile_store>;
+
+holder& store() {
+    static holder values = make_memory_profile(true);
+    return values;
 }
 
 struct key_parts {
@@ -41,13 +43,92 @@ bool parse_key(std::string_view full_key, key_parts& parts) {
     return true;
 }
 
-bool read_round(std::string_view root, std::string_view path, cl_registry_result& result) {
-    const auto entry = entries().find(omb::to_lower(std::string(root) + "\\" + std::string(path)));
-    if (entry == entries().end()) {
+/// Key and value name, split at the last backslash.
+struct value_place {
+    std::string key, name;
+
+    value_place(std::string_view root, std::string_view path)
+      : key(root) {
+        const std::size_t at = path.rfind('\\');
+        key.append("\\").append(path.substr(0, at));
+        name = path.substr(at + 1);
+    }
+};
+
+constexpr std::string_view number_mark = "dword:", bytes_mark = "hex:", text_mark = "sz:";
+
+std::string bytes_text(const std::vector<std::uint8_t>& bytes) {
+    std::string text(bytes_mark);
+    for (const std::uint8_t byte : bytes) {
+        text += fmt::sprintf("%s%02x", text.size() == bytes_mark.size() ? "" : ",", byte);
+    }
+    return text;
+}
+
+std::string stored_text(const cl_registry_result& value) {
+    switch (value.type()) {
+    case cl_registry_result::text: {
+        const std::string& text = std::get<std::string>(value.value);
+        const bool marked = text.starts_with(number_mark) || text.starts_with(bytes_mark) ||
+                            text.starts_with(text_mark);
+        return (marked ? std::string(text_mark) : std::string()) + text;
+    }
+    case cl_registry_result::number:
+        return fmt::sprintf("%s%08x", std::string(number_mark),
+                            std::get<std::uint32_t>(value.value));
+    case cl_registry_result::binary:
+        return bytes_text(std::get<std::vector<std::uint8_t>>(value.value));
+    default:
+        return {};
+    }
+}
+
+cl_registry_result stored_value(std::string_view text) {
+    if (text.starts_with(number_mark)) {
+        return {omb::parse_hex(text.substr(number_mark.size()))};
+    }
+    if (text.starts_with(bytes_mark)) {
+        std::vector<std::uint8_t> bytes;
+        text.remove_prefix(bytes_mark.size());
+        for (const std::string_view piece : omb::split(text, ',')) {
+            if (!omb::trim(piece).empty()) {
+                bytes.push_back(static_cast<std::uint8_t>(omb::parse_hex(piece)));
+            }
+        }
+        return {std::move(bytes)};
+    }
+    return {std::string(text.substr(text.starts_with(text_mark) ? text_mark.size() : 0))};
+}
+
+/// A setting of the user: a whole number counts as one.
+bool read_setting(std::string_view path, cl_registry_result& result) {
+    const std::size_t at = path.find('\\', profile_path.size());
+    if (at == path.npos) {
         return false;
     }
-    result = entry->second;
+    const auto text = profile().read(path.substr(profile_path.size(), at - profile_path.size()),
+                                     path.substr(at + 1));
+    if (!text) {
+        return false;
+    }
+    const std::int32_t number = omb::parse_int(*text);
+    if (std::to_string(number) == *text) {
+        result = {static_cast<std::uint32_t>(number)};
+    } else {
+        result = {std::string(*text)};
+    }
     return true;
+}
+
+bool read_round(std::string_view root, std::string_view path, cl_registry_result& result) {
+    const value_place place(root, path);
+    if (const auto text = store()->read(place.key, place.name)) {
+        result = stored_value(*text);
+        return true;
+    }
+    return root == user_root &&
+           omb::equal_no_case(path.substr(0, profile_path.size()), profile_path) &&
+           read_setting(path, result);
 }
 
 /// The value of one type; any other is traced.
@@ -108,11 +189,16 @@ bool write_registry_entry(std::string_view full_key, cl_registry_result value) {
     if (!parse_key(full_key, parts)) {
         return false;
     }
-    entries()[omb::to_lower(full_key)] = std::move(value);
+    const value_place place(parts.root, parts.path);
+    store()->write(place.key, place.name, stored_text(value));
     return true;
 }
 
-void clear_registry() { entries().clear(); }
+void set_registry(holder values) {
+    store() = values ? std::move(values) : make_memory_profile(true);
+}
+
+void clear_registry() { set_registry(nullptr); }
 
 bool get_text_from_registry(std::string_view full_key, std::string& value) {
     return get_typed(full_key, "string", value);

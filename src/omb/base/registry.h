@@ -1,13 +1,18 @@
 // A stand-in for the registry: typed values under full key texts such as
-// "HKEY_CURRENT_USER\Software\Halden\Tessara Qor\InstallDir". Values live in memory and end with
-// the process: nothing is kept on disk yet.
+// "HKEY_CURRENT_USER\Software\Halden\Tessara Qor\InstallDir", in a profile store whose sections
+// are the keys. A text stands there as it is, a number as "dword:0000002a", bytes as "hex:01,ff",
+// and a text that looks like one of these behind "sz:". The user's settings are seen as well:
+// section and key of the profile below HKEY_CURRENT_USER\Software\Ombrel Systems\Profile.
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <variant>
 #include <vector>
+
+class cl_profile_store;
 
 /// A value with the type numbers that messages name: 1 text, 3 binary, 4 32-bit number.
 struct cl_registry_result {
@@ -22,6 +27,9 @@ struct cl_registry_result {
 bool read_registry_entry(std::string_view full_key, cl_registry_result& result);
 /// False, with a trace, when the key text is not well formed.
 bool write_registry_entry(std::string_view full_key, cl_registry_result value);
+/// Replaces the store of the values; a null pointer brings back an empty one in memory. Names
+/// should know no case in it.
+void set_registry(std::unique_ptr<cl_profile_store> store);
 void clear_registry();
 
 /// Typed reads. False, with a trace and `value` untouched, when missing or of another type.

@@ -87,6 +87,7 @@ void preset_integer(cl_global_variable_array& array, std::string_view name, int 
         used = remembered_int(name).value_or(value);
     }
     variable.set_int_value(used == 0 && flags.zero_is_default ? value : used);
+    variable.mark_remembered();
 }
 
 } // namespace
@@ -133,6 +134,7 @@ void preset_global_double(cl_global_variable_array& array, std::string_view name
     const double used =
         is_saved_type(save_type) ? profile().read_double(section, name, value) : value;
     variable.set_double_value(used == 0 && zero_is_default ? value : used);
+    variable.mark_remembered();
 }
 
 void preset_global_string(cl_global_variable_array& array, std::string_view name, int save_type,
@@ -156,6 +158,7 @@ void preset_global_string(cl_global_variable_array& array, std::string_view name
         used = remembered_string(name).value_or(text);
     }
     variable.set_string_value(used.empty() && zero_is_default ? text : used);
+    variable.mark_remembered();
 }
 
 void preset_global_fpt(cl_global_variable_array& array, std::string_view name, int save_type,
@@ -181,6 +184,7 @@ void preset_global_fpt(cl_global_variable_array& array, std::string_view name, i
                 profile().read_double(section, key + "_z", value.z)};
     }
     variable.set_fpt_value(used == fpt{} && zero_is_default ? value : used);
+    variable.mark_remembered();
 }
 
 void preset_global_COLORREF(cl_global_variable_array& array, std::string_view name, int save_type,
@@ -203,6 +207,7 @@ void preset_global_COLORREF(cl_global_variable_array& array, std::string_view na
         used = remembered_color(name).value_or(value);
     }
     variable.set_COLORREF_value(used == 0 && zero_is_default ? value : used);
+    variable.mark_remembered();
 }
 
 // ---- blocks of rows ----
@@ -238,6 +243,7 @@ void preset_row(cl_global_variable_array& array, const catalogue_row& row, int m
 namespace {
 
 void preset_groups(std::span<const catalogue_group> groups, int mode) {
+    const cl_profile_bulk one_write;
     for (const catalogue_group& group : groups) {
         for (const catalogue_row& row : group.rows) {
             preset_row(globals, row, mode);

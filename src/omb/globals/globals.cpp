@@ -135,7 +135,7 @@ double cl_global_variable_array::get_global_double(std::string_view name, bool r
                                                    int save_type) {
     check_global_name_double(name);
     const cl_variable_base* variable = get_or_make(name, report_missing, save_type);
-    variable->save_to_profile();
+    variable->write_through();
     return variable->get_double_value();
 }
 
@@ -146,7 +146,7 @@ std::string cl_global_variable_array::get_global_string(std::string_view name, b
     }
     check_global_name_String(name);
     const cl_variable_base* variable = get_or_make(name, report_missing, save_type);
-    variable->save_to_profile();
+    variable->write_through();
     return variable->get_string_value();
 }
 
@@ -154,7 +154,7 @@ fpt cl_global_variable_array::get_global_fpt(std::string_view name, bool report_
                                              int save_type) {
     check_global_name_fpt(name);
     const cl_variable_base* variable = get_or_make(name, report_missing, save_type);
-    variable->save_to_profile();
+    variable->write_through();
     return variable->get_fpt_value();
 }
 
@@ -162,7 +162,7 @@ COLORREF cl_global_variable_array::get_global_COLORREF(std::string_view name, bo
                                                        int save_type) {
     check_global_name_COLORREF(name);
     const cl_variable_base* variable = get_or_make(name, report_missing, save_type);
-    variable->save_to_profile();
+    variable->write_through();
     return variable->get_COLORREF_value();
 }
 

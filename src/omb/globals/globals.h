@@ -31,8 +31,8 @@ public:
     cl_variable_base* lookup(std::string_view name) const;
 
     // Getters make what is missing, without the profile. Those of double, string, fpt and COLORREF
-    // write the variable through to the profile; bool and int do not. Kept: an int read changes
-    // nothing on disk.
+    // write the variable through to the profile (see cl_variable_base::write_through); bool and int
+    // do not. Kept: an int read changes nothing on disk.
     bool get_global_bool(std::string_view name, bool report_missing = true, int save_type = 0);
     std::int32_t get_global_int(std::string_view name, bool report_missing = true,
                                 int save_type = 0);

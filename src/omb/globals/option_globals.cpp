@@ -2,6 +2,7 @@
 #include "omb/globals/option_globals.h"
 
 #include "omb/base/folders.h"
+#include "omb/base/profile.h"
 #include "omb/base/text.h"
 #include "omb/base/trace.h"
 #include "omb/globals/globals.h"
@@ -167,6 +168,7 @@ bool take_line(std::string_view line) {
 } // namespace
 
 bool read_option_globals_from_open_file(cl_input_file& file) {
+    const cl_profile_bulk one_write;
     bool changed = false;
     std::string_view line;
     while (file.read_line(line)) {
@@ -184,6 +186,7 @@ bool read_option_globals_from_settings_file(const std::string& path) {
         OMB_TRACE(1, "Cannot read option globals: %s", file.error_text());
         return false;
     }
+    const cl_profile_bulk one_write;
     const bool changed = read_option_globals_from_open_file(file);
     file.close();
     if (changed) { // a file that alters any option leaves the quality preset behind

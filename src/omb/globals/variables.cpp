@@ -78,6 +78,23 @@ void cl_variable_base::set_double_default(double) {}
 void cl_variable_base::set_fpt_default(const fpt&) {}
 void cl_variable_base::set_COLORREF_default(COLORREF) {}
 
+void cl_variable_base::put_in_profile(profile_put put) const {
+    (profile().*put)(section, name, value_text());
+}
+
+void cl_variable_base::save_to_profile() const {
+    if (is_saved_type(save_type)) {
+        put_in_profile(&cl_profile_store::write);
+        agreement = profile_generation();
+    }
+}
+
+void cl_variable_base::bring_into_agreement() const {
+    put_in_profile(agreement == remembered ? &cl_profile_store::remember
+                                           : &cl_profile_store::write);
+    agreement = profile_generation();
+}
+
 void cl_variable_base::set_save_type(int new_type) {
     if (!is_saved_type(new_type) || new_type == save_type) {
         return;
@@ -105,25 +122,30 @@ cl_variable_int::cl_variable_int(std::string name, int save_type, std::int32_t v
 std::int32_t cl_variable_int::get_int_value() const { return current; }
 std::string cl_variable_int::get_string_value() const { return std::to_string(current); }
 double cl_variable_int::get_double_value() const { return current; }
-void cl_variable_int::set_int_value(std::int32_t value) { current = value; }
+void cl_variable_int::set_int_value(std::int32_t value) {
+    current = value;
+    mark_touched();
+}
 void cl_variable_int::set_string_value(const std::string& value) {
     current = as_signed(omb::parse_unsigned(value));
+    mark_touched();
 }
-void cl_variable_int::set_double_value(double value) { current = truncate(value); }
+void cl_variable_int::set_double_value(double value) {
+    current = truncate(value);
+    mark_touched();
+}
 void cl_variable_int::set_int_default(std::int32_t value) { preset = value; }
-void cl_variable_int::restore_default() { current = preset; }
+void cl_variable_int::restore_default() {
+    current = preset;
+    mark_touched();
+}
 std::string cl_variable_int::value_text() const { return std::to_string(current); }
 std::string cl_variable_int::default_text() const { return std::to_string(preset); }
-
-void cl_variable_int::save_to_profile() const {
-    if (is_saved_type(save_type)) {
-        profile().write(section, name, value_text());
-    }
-}
 
 void cl_variable_int::load_from_profile() {
     if (is_saved_type(save_type)) {
         current = profile().read_int(section, name, 0);
+        mark_remembered();
     }
 }
 
@@ -138,25 +160,30 @@ std::int32_t cl_variable_string::get_int_value() const {
 }
 std::string cl_variable_string::get_string_value() const { return current; }
 double cl_variable_string::get_double_value() const { return omb::parse_double(current); }
-void cl_variable_string::set_int_value(std::int32_t value) { current = std::to_string(value); }
-void cl_variable_string::set_string_value(const std::string& value) { current = value; }
+void cl_variable_string::set_int_value(std::int32_t value) {
+    current = std::to_string(value);
+    mark_touched();
+}
+void cl_variable_string::set_string_value(const std::string& value) {
+    current = value;
+    mark_touched();
+}
 void cl_variable_string::set_double_value(double value) {
     current = double_text(snap_to_zero(value));
+    mark_touched();
 }
 void cl_variable_string::set_string_default(const std::string& value) { preset = value; }
-void cl_variable_string::restore_default() { current = preset; }
+void cl_variable_string::restore_default() {
+    current = preset;
+    mark_touched();
+}
 std::string cl_variable_string::value_text() const { return current; }
 std::string cl_variable_string::default_text() const { return preset; }
-
-void cl_variable_string::save_to_profile() const {
-    if (is_saved_type(save_type)) {
-        profile().write(section, name, current);
-    }
-}
 
 void cl_variable_string::load_from_profile() {
     if (is_saved_type(save_type)) {
         current = profile().read_text(section, name, "");
+        mark_remembered();
     }
 }
 
@@ -174,25 +201,30 @@ std::string cl_variable_double::get_string_value() const {
     return double_text(snap_to_zero(current));
 }
 double cl_variable_double::get_double_value() const { return current; }
-void cl_variable_double::set_int_value(std::int32_t value) { current = value; }
+void cl_variable_double::set_int_value(std::int32_t value) {
+    current = value;
+    mark_touched();
+}
 void cl_variable_double::set_string_value(const std::string& value) {
     current = omb::parse_double(value);
+    mark_touched();
 }
-void cl_variable_double::set_double_value(double value) { current = value; }
+void cl_variable_double::set_double_value(double value) {
+    current = value;
+    mark_touched();
+}
 void cl_variable_double::set_double_default(double value) { preset = value; }
-void cl_variable_double::restore_default() { current = preset; }
+void cl_variable_double::restore_default() {
+    current = preset;
+    mark_touched();
+}
 std::string cl_variable_double::value_text() const { return double_text(current); }
 std::string cl_variable_double::default_text() const { return double_text(preset); }
-
-void cl_variable_double::save_to_profile() const {
-    if (is_saved_type(save_type)) {
-        profile().write(section, name, value_text());
-    }
-}
 
 void cl_variable_double::load_from_profile() {
     if (is_saved_type(save_type)) {
         current = profile().read_double(section, name, 0.0);
+        mark_remembered();
     }
 }
 
@@ -204,8 +236,14 @@ cl_variable_fpt::cl_variable_fpt(std::string name, int save_type, const fpt& val
 
 std::string cl_variable_fpt::get_string_value() const { return fpt_to_text(current); }
 fpt cl_variable_fpt::get_fpt_value() const { return current; }
-void cl_variable_fpt::set_string_value(const std::string& value) { current = parse_point(value); }
-void cl_variable_fpt::set_fpt_value(const fpt& value) { current = value; }
+void cl_variable_fpt::set_string_value(const std::string& value) {
+    current = parse_point(value);
+    mark_touched();
+}
+void cl_variable_fpt::set_fpt_value(const fpt& value) {
+    current = value;
+    mark_touched();
+}
 void cl_variable_fpt::set_fpt_default(const fpt& value) { preset = value; }
 std::string cl_variable_fpt::value_text() const { return fpt_to_text(current); }
 std::string cl_variable_fpt::default_text() const { return fpt_to_text(preset); }
@@ -213,15 +251,15 @@ std::string cl_variable_fpt::default_text() const { return fpt_to_text(preset); 
 void cl_variable_fpt::restore_default() {
     if (!fpt_equal(current, preset)) {
         current = preset;
+        mark_touched();
     }
 }
 
-void cl_variable_fpt::save_to_profile() const {
-    if (is_saved_type(save_type)) {
-        profile().write(section, name + "_x", double_text(current.x));
-        profile().write(section, name + "_y", double_text(current.y));
-        profile().write(section, name + "_z", double_text(current.z));
-    }
+void cl_variable_fpt::put_in_profile(profile_put put) const {
+    const cl_profile_bulk one_write;
+    (profile().*put)(section, name + "_x", double_text(current.x));
+    (profile().*put)(section, name + "_y", double_text(current.y));
+    (profile().*put)(section, name + "_z", double_text(current.z));
 }
 
 void cl_variable_fpt::load_from_profile() {
@@ -229,6 +267,7 @@ void cl_variable_fpt::load_from_profile() {
         current = {profile().read_double(section, name + "_x", 0.0),
                    profile().read_double(section, name + "_y", 0.0),
                    profile().read_double(section, name + "_z", 0.0)};
+        mark_remembered();
     }
 }
 
@@ -240,25 +279,30 @@ cl_variable_COLORREF::cl_variable_COLORREF(std::string name, int save_type, COLO
 
 std::int32_t cl_variable_COLORREF::get_int_value() const { return as_signed(current); }
 COLORREF cl_variable_COLORREF::get_COLORREF_value() const { return current & 0xffffff; }
-void cl_variable_COLORREF::set_int_value(std::int32_t value) { current = as_word(value); }
+void cl_variable_COLORREF::set_int_value(std::int32_t value) {
+    current = as_word(value);
+    mark_touched();
+}
 void cl_variable_COLORREF::set_string_value(const std::string& value) {
     current = parse_colorref(value);
+    mark_touched();
 }
-void cl_variable_COLORREF::set_COLORREF_value(COLORREF value) { current = value & 0xffffff; }
+void cl_variable_COLORREF::set_COLORREF_value(COLORREF value) {
+    current = value & 0xffffff;
+    mark_touched();
+}
 void cl_variable_COLORREF::set_COLORREF_default(COLORREF value) { preset = value & 0xffffff; }
-void cl_variable_COLORREF::restore_default() { current = preset; }
+void cl_variable_COLORREF::restore_default() {
+    current = preset;
+    mark_touched();
+}
 std::string cl_variable_COLORREF::value_text() const { return colorref_to_text(current); }
 std::string cl_variable_COLORREF::default_text() const { return colorref_to_text(preset); }
-
-void cl_variable_COLORREF::save_to_profile() const {
-    if (is_saved_type(save_type)) {
-        profile().write(section, name, value_text());
-    }
-}
 
 void cl_variable_COLORREF::load_from_profile() {
     if (is_saved_type(save_type)) {
         current = parse_colorref(profile().read_text(section, name, ""));
+        mark_remembered();
     }
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "omb/base/math.h"
+#include "omb/base/profile.h"
 
 #include <cstdint>
 #include <memory>
@@ -57,14 +58,24 @@ public:
     virtual void set_double_default(double value);
     virtual void set_fpt_default(const fpt& value);
     virtual void set_COLORREF_default(COLORREF value);
-    /// Act only when the save type is one that the profile keeps.
-    virtual void save_to_profile() const = 0;
-    virtual void load_from_profile() = 0;
+    // The next two act only when the save type is one that the profile keeps.
+    virtual void save_to_profile() const; ///< writes, whatever the profile holds
+    virtual void load_from_profile() = 0; ///< a missing key gives zero or the empty text
     virtual void restore_default() = 0;
 
     /// Value and default in the profile's text form (a point as "(x, y, z)").
     virtual std::string value_text() const = 0;
     virtual std::string default_text() const = 0;
+
+    /// What a reading does for the profile: a value that was changed here since it last agreed with
+    /// the profile is written; one that never was is put there if the profile holds none.
+    void write_through() const {
+        if (agreement != profile_generation() && is_saved_type(save_type)) {
+            bring_into_agreement();
+        }
+    }
+    /// The value comes from the profile, or stands for one that the profile does not hold.
+    void mark_remembered() { agreement = remembered; }
 
     /// Changes the type to 2, 3, 4 or 5 with a trace; other types and the same type do nothing.
     void set_save_type(int new_type);
@@ -75,6 +86,19 @@ public:
     int kind;      ///< 1 integer, 2 text, 3 double, 4 point, 5 colour
     int save_type; ///< save_types
     bool changed = false;
+
+protected:
+    using profile_put = void (cl_profile_store::*)(std::string_view, std::string_view,
+                                                   std::string_view);
+    virtual void put_in_profile(profile_put put) const;
+    void mark_touched() { agreement = touched; }
+
+private:
+    static constexpr std::uint32_t touched = 0, remembered = 0xffffffff;
+    void bring_into_agreement() const;
+
+    /// The generation of the profile that holds this value, or one of the two marks above.
+    mutable std::uint32_t agreement = touched;
 };
 
 class cl_variable_int : public cl_variable_base {
@@ -87,7 +111,6 @@ public:
     void set_string_value(const std::string& value) override;
     void set_double_value(double value) override;
     void set_int_default(std::int32_t value) override;
-    void save_to_profile() const override;
     void load_from_profile() override;
     void restore_default() override;
     std::string value_text() const override;
@@ -107,7 +130,6 @@ public:
     void set_string_value(const std::string& value) override;
     void set_double_value(double value) override;
     void set_string_default(const std::string& value) override;
-    void save_to_profile() const override;
     void load_from_profile() override;
     void restore_default() override;
     std::string value_text() const override;
@@ -127,7 +149,6 @@ public:
     void set_string_value(const std::string& value) override;
     void set_double_value(double value) override;
     void set_double_default(double value) override;
-    void save_to_profile() const override;
     void load_from_profile() override;
     void restore_default() override;
     std::string value_text() const override;
@@ -145,13 +166,13 @@ public:
     void set_string_value(const std::string& value) override;
     void set_fpt_value(const fpt& value) override;
     void set_fpt_default(const fpt& value) override;
-    void save_to_profile() const override; ///< three keys: name with _x, _y, _z
     void load_from_profile() override;
     void restore_default() override;
     std::string value_text() const override;
     std::string default_text() const override;
 
 private:
+    void put_in_profile(profile_put put) const override; ///< name with _x, _y, _z
     fpt current, preset;
 };
 
@@ -164,7 +185,6 @@ public:
     void set_string_value(const std::string& value) override;
     void set_COLORREF_value(COLORREF value) override;
     void set_COLORREF_default(COLORREF value) override;
-    void save_to_profile() const override;
     void load_from_profile() override;
     void restore_default() override;
     std::string value_text() const override;
