@@ -73,7 +73,7 @@ void set_global(const record_values& record) {
     }
     switch (record.name.front()) {
     case 'i':
-        set_global_int(record.name, static_cast<std::int32_t>(record.integer));
+        set_global_int(record.name, static_cast<std::int16_t>(record.integer));
         break;
     case 'b':
         set_global_bool(record.name, record.integer != 0);
@@ -166,9 +166,16 @@ AcDbObjectId find_dictionary(AcDb::OpenMode mode, AcDbDatabase* database, bool c
     return create ? create_dictionary(*named_objects) : AcDbObjectId();
 }
 
-void trace_units(const char* when) {
-    OMB_TRACE(0, "%ssomb_acad_database_name: %s", when, get_global_string(name_record));
-    OMB_TRACE(0, "%ssks_acad_drawing_units: %s", when, get_global_string("sks_acad_drawing_units"));
+constexpr const char* units_global = "sks_acad_drawing_units";
+
+void trace_before_read() {
+    OMB_TRACE(0, "%s: %s", name_record, get_global_string(name_record));
+    OMB_TRACE(0, "%s: %s", units_global, get_global_string(units_global));
+}
+
+void trace_after_read() {
+    OMB_TRACE(0, "after read: %s", get_global_string(name_record));
+    OMB_TRACE(0, "after read: %s", get_global_string(units_global));
 }
 
 } // namespace
@@ -212,7 +219,7 @@ void read_globals_from_OMB_QorvaneDictionary(AcDbDatabase& database) {
     if (!dictionary) {
         return;
     }
-    trace_units("");
+    trace_before_read();
     const cl_profile_bulk one_write;
     for (const AcDbDictionary::Entry& entry : dictionary->entries()) {
         record_values values;
@@ -225,7 +232,7 @@ void read_globals_from_OMB_QorvaneDictionary(AcDbDatabase& database) {
         }
         set_global(values);
     }
-    trace_units("after read: ");
+    trace_after_read();
 }
 
 void write_globals_to_OMB_QorvaneDictionary(AcDbDatabase& database,

@@ -2,6 +2,7 @@
 #include "omb/base/folders.h"
 #include "omb/base/message_box.h"
 #include "omb/base/trace.h"
+#include "omb/globals/defaults_files.h"
 #include "omb/globals/globals.h"
 #include "omb_qorvane/ac_material.h"
 #include "omb_qorvane/record_text.h"
@@ -251,7 +252,8 @@ void cl_omb_export::update_channels(double facetres) {
         return;
     }
     if (green_button_app == GREEN_BUTTON_DELTA) {
-        read_default_globals_file(get_global_string("sks_green_button_defaults"));
+        read_default_globals_file(find_render_defaults_file(
+            get_global_string("sks_green_button_defaults"), theApp().somb_support_folder));
     } else {
         initialize_options_globals_file();
     }

@@ -1,5 +1,6 @@
 // option_globals.txt: what is written, how lines are read, and that a round trip changes nothing.
 #include "omb/globals/catalogue.h"
+#include "omb/globals/defaults_files.h"
 #include "omb/globals/option_globals.h"
 #include "tests/omb/fixture.h"
 
@@ -96,4 +97,62 @@ TEST_F(OptionGlobals, PathsThatDoNotWork) {
     EXPECT_FALSE(read_option_globals_from_settings_file(""));
     EXPECT_FALSE(read_option_globals_from_settings_file(path("missing.txt")));
     EXPECT_FALSE(read_option_globals_from_settings_file(folder.string()));
+}
+
+class Defaults : public OptionGlobals {
+protected:
+    void SetUp() override {
+        OptionGlobals::SetUp();
+        setenv("QORVANE_HOME", folder.c_str(), 1);
+    }
+    void TearDown() override {
+        unsetenv("QORVANE_HOME");
+        OptionGlobals::TearDown();
+    }
+    std::string settings(const std::string& name) const {
+        return path("config/qorvane/Defaults/" + name);
+    }
+};
+
+TEST_F(Defaults, OfTheUserAreSavedAndLoaded) {
+    EXPECT_FALSE(load_user_defaults());
+    EXPECT_EQ(boxes.back().text, "Could not file defaults file: " + settings("defaults.usr"));
+    EXPECT_EQ(boxes.back().title, "Default file error");
+    set_global_int("iks_reflective_bounces", 9);
+    EXPECT_TRUE(save_user_defaults());
+    EXPECT_EQ(boxes.back().text, "User defaults saved");
+    set_global_int("iks_reflective_bounces", 1);
+    EXPECT_TRUE(load_user_defaults());
+    EXPECT_EQ(boxes.back().text, "User defaults loaded");
+    EXPECT_EQ(get_global_int("iks_reflective_bounces"), 9);
+    EXPECT_EQ(get_global_int("iks_render_quality"), 0) << "custom from now on";
+}
+
+TEST_F(Defaults, OfAFileRememberTheChoice) {
+    EXPECT_EQ(get_proposed_defaults_file(), path("config/qorvane/Defaults"));
+    EXPECT_TRUE(save_defaults_file(path("mine.dfl")));
+    EXPECT_EQ(get_proposed_defaults_file(), path("mine.dfl"));
+    globals.clear(); // another run
+    EXPECT_EQ(get_proposed_defaults_file(), path("mine.dfl"));
+    EXPECT_FALSE(load_defaults_file(path("absent.dfl")));
+}
+
+TEST_F(Defaults, OfARenderAreFoundByName) {
+    const std::string support = path("support");
+    std::filesystem::create_directories(folder / "support/Defaults");
+    std::filesystem::create_directories(folder / "config/qorvane/Defaults");
+    EXPECT_EQ(find_render_defaults_file("", support), "");
+    EXPECT_EQ(find_render_defaults_file("None", support), "");
+    EXPECT_EQ(find_render_defaults_file("Draft", support), settings("Draft.DFL"));
+    put("support/Defaults/Draft.DFL", "");
+    EXPECT_EQ(find_render_defaults_file("Draft", support), path("support/Defaults/Draft.DFL"));
+    put("config/qorvane/Defaults/Draft.dfl", "");
+    EXPECT_EQ(find_render_defaults_file("Draft", support), settings("Draft.dfl"));
+    EXPECT_EQ(find_render_defaults_file("C:\\old\\Draft", support), settings("Draft.dfl"));
+    put("own.dfl", "");
+    EXPECT_EQ(find_render_defaults_file(path("own"), support), path("own.dfl"));
+    answers = {message_box::id_ok};
+    EXPECT_TRUE(go_on_without_defaults_file("x.DFL"));
+    EXPECT_FALSE(go_on_without_defaults_file("x.DFL"));
+    EXPECT_EQ(boxes.back().text, "Could not file defaults file: x.DFL");
 }

@@ -202,12 +202,29 @@ std::size_t read_escape(std::string_view text, std::size_t at, std::string& out)
     return 0;
 }
 
+struct Caret {
+    char letter, meaning;
+};
+/// What stands behind a caret for a character that a value's line cannot hold, and for itself.
+constexpr Caret kCarets[] = {{'J', '\n'}, {'M', '\r'}, {'I', '\t'}, {' ', '^'}};
+
+const Caret* find_caret(std::string_view text, std::size_t at) {
+    const char next = at + 1 < text.size() ? text[at + 1] : '\0';
+    const auto* found = std::ranges::find(kCarets, next, &Caret::letter);
+    return found == std::end(kCarets) ? nullptr : found;
+}
+
 std::string resolve_escapes(std::string text) {
-    if (text.find("\\U+") == std::string::npos && text.find("\\M+") == std::string::npos) {
+    if (text.find_first_of("\\^") == std::string::npos) {
         return text;
     }
     std::string out;
     for (std::size_t i = 0; i < text.size();) {
+        if (const Caret* caret = text[i] == '^' ? find_caret(text, i) : nullptr) {
+            out.push_back(caret->meaning);
+            i += 2;
+            continue;
+        }
         const std::size_t used = text[i] == '\\' ? read_escape(text, i, out) : 0;
         if (used == 0) {
             out.push_back(text[i]);
@@ -227,6 +244,25 @@ void append_escape(std::string& out, std::uint32_t c) {
     for (int shift = 12; shift >= 0; shift -= 4) {
         out.push_back(kDigits[(c >> shift) & 15]);
     }
+}
+
+/// Text with escapes in place of what would not come back as it is: line breaks, carets and
+/// back-slashes that look like the beginning of one. A zero byte becomes a blank.
+std::string escape_controls(std::string_view text) {
+    std::string out;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const std::string_view next = text.substr(i + 1, 2);
+        if (text[i] == '\n' || text[i] == '\r') {
+            out += text[i] == '\n' ? "^J" : "^M";
+        } else if (text[i] == '^' && find_caret(text, i) != nullptr) {
+            out += "^ ";
+        } else if (text[i] == '\\' && (next == "U+" || next == "M+")) {
+            append_escape(out, '\\');
+        } else {
+            out.push_back(text[i] == '\0' ? ' ' : text[i]);
+        }
+    }
+    return out;
 }
 
 /// Simple lower case of one character, letters of the scripts that names in drawings are
@@ -300,10 +336,7 @@ std::string Encoding::decode(std::string_view bytes) const {
 }
 
 std::string Encoding::encode(std::string_view text) const {
-    std::string clean(text);
-    for (char& c : clean) {
-        c = c == '\n' || c == '\r' || c == '\0' ? ' ' : c;
-    }
+    const std::string clean = escape_controls(text);
     if (utf8_ || is_ascii(clean)) {
         return clean;
     }

@@ -240,7 +240,11 @@ TEST(Encoding, EscapesAreResolvedAndMadeWhereThePageLacksACharacter) {
     EXPECT_EQ(old.decode("\\U+12"), "\\U+12") << "no escape: left as it is";
     EXPECT_EQ(old.encode("a墙"), "a\\U+5899");
     EXPECT_EQ(old.decode(old.encode("😀")), "😀");
-    EXPECT_EQ(old.encode("two\nlines"), "two lines");
+    EXPECT_EQ(old.encode("two\nlines"), "two^Jlines");
+    EXPECT_EQ(old.decode("a^Jb^Mc^Id^ e^2^"), "a\nb\rc\td^e^2^");
+    for (const char* text : {"^J", "^ ", "x^2", "\\U+00E4", "\\M+10041", "\r\n", "^^J\\", "^"}) {
+        EXPECT_EQ(old.decode(old.encode(text)), text);
+    }
 }
 
 TEST(Encoding, NewFilesAreUtf8AndWrongBytesAreTakenForTheCodePage) {
