@@ -26,6 +26,9 @@ std::vector<std::string_view> split(std::string_view text, char separator);
 /// Every occurrence of `from` (not empty) replaced by `to`, left to right, without overlap.
 std::string replace_all(std::string_view text, std::string_view from, std::string_view to);
 
+/// Levenshtein distance in bytes: insertions, deletions and replacements count 1 each.
+std::size_t edit_distance(std::string_view a, std::string_view b);
+
 /// Leading decimal number as 32 unsigned bits: blanks, an optional sign, digits; the rest is
 /// ignored. A minus negates modulo 2^32, so "-5" read as signed is -5. Too large gives 0xffffffff,
 /// no digits give 0.

@@ -285,24 +285,6 @@ const std::vector<std::string_view>& catalogue_names() {
     return names;
 }
 
-/// Levenshtein distance: insertions, deletions and replacements count 1 each.
-std::size_t edit_distance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    for (std::size_t j = 0; j <= b.size(); ++j) {
-        row[j] = j;
-    }
-    for (std::size_t i = 1; i <= a.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i;
-        for (std::size_t j = 1; j <= b.size(); ++j) {
-            const std::size_t replaced = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
-            diagonal = row[j];
-            row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
-        }
-    }
-    return row[b.size()];
-}
-
 } // namespace
 
 bool is_catalogue_global(std::string_view name) {
@@ -316,7 +298,7 @@ std::vector<std::string> nearest_global_names(std::string_view name, std::size_t
     const std::string wanted = omb::to_lower(name.substr(0, longest));
     std::vector<std::pair<std::size_t, std::string_view>> ranked;
     for (const std::string_view candidate : catalogue_names()) {
-        ranked.emplace_back(edit_distance(wanted, candidate), candidate);
+        ranked.emplace_back(omb::edit_distance(wanted, candidate), candidate);
     }
     std::stable_sort(ranked.begin(), ranked.end(),
                      [](const auto& a, const auto& b) { return a.first < b.first; });
