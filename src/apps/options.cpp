@@ -3,6 +3,7 @@
 
 #include "apps/exit_codes.h"
 #include "apps/version.h"
+#include "omb/base/text.h"
 #include "omb/globals/catalogue.h"
 
 #include <algorithm>
@@ -108,13 +109,29 @@ std::string take_verbose(Options& options, const std::string&) {
     return {};
 }
 
-constexpr std::array<VerbRow, 5> kVerbs{{
-    {kRender, "render", "DRAWING", "render a drawing to a picture"},
-    {kExtract, "extract", "DRAWING", "write the batch folder only, start no process"},
-    {kRun, "run", "DRAWING", "run command lines from a script or from standard input"},
-    {kInspect, "inspect", "DRAWING", "tell what a drawing holds and what would be rendered"},
-    {kConvert, "convert", "IN OUT", "read a drawing and write it again, losing nothing"},
-}};
+constexpr VerbRow kVerbs[] = {
+    {kRender, "render", "DRAWING", "render a drawing to a picture", 1, 1},
+    {kExtract, "extract", "DRAWING", "write the batch folder only, start no process", 1, 1},
+    {kRun, "run", "DRAWING", "run command lines from a script or from standard input", 1, 1},
+    {kInspect, "inspect", "DRAWING", "tell what a drawing holds and what would be rendered", 1, 1},
+    {kConvert, "convert", "IN OUT", "read a drawing and write it again, losing nothing", 2, 2},
+    {kSettings, "settings", "VERB ...", "show, change, save and load settings", 1, kNoLimit},
+};
+
+constexpr SubVerbRow kSubVerbs[] = {
+    {kSettings, "list", "[PATTERN]",
+     "all settings, or those whose name or title matches: a word, or a pattern with * and ?", 0, 1,
+     "--json --drawing --defaults"},
+    {kSettings, "get", "NAME", "the value of one setting", 1, 1, "--json --drawing --defaults"},
+    {kSettings, "set", "NAME VALUE...", "keep new values; all of them, or none", 2, kNoLimit, ""},
+    {kSettings, "reset", "[NAME...]", "back to factory values; without names, everything", 0,
+     kNoLimit, ""},
+    {kSettings, "export", "FILE.dfl", "write the settings to a defaults file", 0, 1,
+     "--user --drawing --defaults"},
+    {kSettings, "import", "FILE.dfl", "take the settings of a defaults file", 0, 1, "--user"},
+    {kSettings, "diff", "", "only what differs from the factory values", 0, 0,
+     "--json --drawing --defaults"},
+};
 
 constexpr std::array kFlags{
     FlagRow{"-o,--output", "IMAGE",
@@ -142,7 +159,13 @@ constexpr std::array kFlags{
             take_switch<&Options::save>, ""},
     FlagRow{"--script", "FILE", "command lines to run (default standard input)", kRun,
             take_text<&Options::script>, ""},
-    FlagRow{"--json", "", "answer as JSON", kInspect, take_switch<&Options::json>, ""},
+    FlagRow{"--json", "", "answer as JSON", kInspect | kSettings, take_switch<&Options::json>, ""},
+    FlagRow{"--drawing", "FILE", "the values stored in this drawing win over all others", kSettings,
+            take_text<&Options::drawing>, ""},
+    FlagRow{"--defaults", "FILE.dfl", "the values of this defaults file win over the user's own",
+            kSettings, take_text<&Options::defaults>, ""},
+    FlagRow{"--user", "", "the user's own defaults file, in place of FILE.dfl", kSettings,
+            take_switch<&Options::user>, ""},
     FlagRow{"--ascii", "", "write the drawing as text", kConvert, take_switch<&Options::ascii>, ""},
     FlagRow{"--binary", "", "write the drawing as binary DXF", kConvert,
             take_switch<&Options::binary>, ""},
@@ -180,7 +203,40 @@ std::string indented(std::string_view text, std::size_t indent, std::size_t widt
 const VerbRow* find_verb(std::string_view word) {
     const auto* row =
         std::ranges::find_if(kVerbs, [&](const VerbRow& r) { return word == r.name; });
-    return row != kVerbs.end() ? row : nullptr;
+    return row != std::end(kVerbs) ? row : nullptr;
+}
+
+bool has_sub_verbs(Verb verb) {
+    return std::ranges::any_of(kSubVerbs, [&](const SubVerbRow& r) { return r.verb == verb; });
+}
+
+const SubVerbRow* find_sub_verb(Verb verb, std::string_view word) {
+    const auto* row = std::ranges::find_if(
+        kSubVerbs, [&](const SubVerbRow& r) { return r.verb == verb && word == r.name; });
+    return row != std::end(kSubVerbs) ? row : nullptr;
+}
+
+std::string_view nearest_sub_verb(Verb verb, std::string_view word) {
+    constexpr std::size_t kLongest = 40; // of a word worth comparing
+    std::string_view nearest;
+    std::size_t least = kNoLimit;
+    for (const SubVerbRow& row : kSubVerbs) {
+        const std::size_t distance =
+            omb::edit_distance(omb::to_lower(word.substr(0, kLongest)), row.name);
+        if (row.verb == verb && distance < least) {
+            least = distance;
+            nearest = row.name;
+        }
+    }
+    return nearest;
+}
+
+/// True when a flag's names hold one of the words of a list.
+bool is_named_in(const FlagRow& flag, std::string_view list) {
+    const std::string names = "," + std::string(flag.names) + ",";
+    return std::ranges::any_of(omb::split(list, ' '), [&](std::string_view word) {
+        return !word.empty() && names.find(fmt::format(",{},", word)) != std::string::npos;
+    });
 }
 
 ParseResult usage_error(std::string text) {
@@ -193,6 +249,7 @@ ParseResult usage_error(std::string text) {
 } // namespace
 
 std::span<const VerbRow> verb_rows() { return kVerbs; }
+std::span<const SubVerbRow> sub_verb_rows() { return kSubVerbs; }
 std::span<const FlagRow> flag_rows() { return kFlags; }
 
 double parse_duration(const std::string& text) {
@@ -221,32 +278,114 @@ double parse_duration(const std::string& text) {
     return total;
 }
 
-ParseResult parse_command_line(const std::vector<std::string>& words) {
+namespace {
+
+/// What the words hold, before any of it is judged.
+struct Words {
+    bool help = false, version = false;
+    std::vector<std::string> operands;
+    std::array<std::vector<std::string>, kFlags.size()> values; ///< an empty text for a switch
+};
+
+/// A flag's look, but no number's: values like -1 and -.5 are operands.
+bool looks_like_flag(std::string_view word) {
+    return word.size() > 1 && word[0] == '-' && word[1] != '.' &&
+           std::string_view("0123456789").find(word[1]) == std::string_view::npos;
+}
+
+/// Sorts words into flags and operands; returns what is wrong, or an empty text.
+std::string sort_words(const std::vector<std::string>& words, Words& out) {
     CLI::App parser;
     parser.set_help_flag();
-    bool help = false;
-    bool version = false;
-    std::vector<std::string> operands;
-    std::array<std::vector<std::string>, kFlags.size()> values;
+    // Operands are what is left: as options of their own, texts in brackets would be taken apart.
+    parser.allow_extras();
+    parser.add_flag("-h,--help", out.help);
+    parser.add_flag("-V,--version", out.version);
     std::array<CLI::Option*, kFlags.size()> given{};
-    parser.add_flag("-h,--help", help);
-    parser.add_flag("-V,--version", version);
-    parser.add_option("operands", operands);
     for (std::size_t i = 0; i < kFlags.size(); ++i) {
         given[i] = kFlags[i].metavar[0] != '\0'
-                       ? parser.add_option(kFlags[i].names, values[i])->allow_extra_args(false)
+                       ? parser.add_option(kFlags[i].names, out.values[i])->allow_extra_args(false)
                        : parser.add_flag(kFlags[i].names);
     }
     try {
         parser.parse(std::vector<std::string>(words.rbegin(), words.rend()));
     } catch (const CLI::ParseError& error) {
-        return usage_error(fmt::format("{}; see qorvane --help", error.what()));
+        return fmt::format("{}; see qorvane --help", error.what());
+    }
+    bool flags_ended = false;
+    for (std::string& word : parser.remaining()) {
+        if (!flags_ended && word == "--") {
+            flags_ended = true;
+        } else if (!flags_ended && looks_like_flag(word)) {
+            return fmt::format("there is no flag {}; see qorvane --help", word);
+        } else {
+            out.operands.push_back(std::move(word));
+        }
+    }
+    for (std::size_t i = 0; i < kFlags.size(); ++i) {
+        if (kFlags[i].metavar[0] == '\0') {
+            out.values[i].assign(given[i]->count(), std::string());
+        }
+    }
+    return {};
+}
+
+/// What is wrong with verb, sub-verb and the number of operands, or an empty text.
+std::string check_operands(const VerbRow& verb, const std::vector<std::string>& operands) {
+    const std::size_t count = operands.size();
+    if (count < verb.least || count > verb.most) {
+        return fmt::format("usage: qorvane {} {}", verb.name, verb.arguments);
+    }
+    if (!has_sub_verbs(verb.verb)) {
+        return {};
+    }
+    const SubVerbRow* sub = find_sub_verb(verb.verb, operands.front());
+    if (sub == nullptr) {
+        return fmt::format("{} has no verb '{}'; did you mean '{}'? see qorvane --help", verb.name,
+                           operands.front(), nearest_sub_verb(verb.verb, operands.front()));
+    }
+    if (count - 1 < sub->least || count - 1 > sub->most) {
+        return fmt::format("usage: qorvane {} {} {}", verb.name, sub->name, sub->arguments);
+    }
+    return {};
+}
+
+/// Takes the flags' values; returns what is wrong, or an empty text.
+std::string take_flags(const Words& words, const VerbRow& verb, const SubVerbRow* sub,
+                       Options& options) {
+    for (std::size_t i = 0; i < kFlags.size(); ++i) {
+        const FlagRow& flag = kFlags[i];
+        if (words.values[i].empty()) {
+            continue;
+        }
+        if ((flag.verbs & static_cast<unsigned>(verb.verb)) == 0) {
+            return fmt::format("{} has no flag {}", verb.name, flag.names);
+        }
+        if (sub != nullptr && flag.verbs != kAllVerbs && !is_named_in(flag, sub->flags)) {
+            return fmt::format("{} {} has no flag {}", verb.name, sub->name, flag.names);
+        }
+        for (const std::string& value : words.values[i]) {
+            if (const std::string wrong = flag.take(options, value); !wrong.empty()) {
+                return fmt::format("{} {}: {}", flag.names, value, wrong);
+            }
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+ParseResult parse_command_line(const std::vector<std::string>& words) {
+    Words sorted;
+    if (std::string wrong = sort_words(words, sorted); !wrong.empty()) {
+        return usage_error(std::move(wrong));
     }
     ParseResult result;
-    if (help || version) {
-        result.message = help ? help_text() : version_text();
+    if (sorted.help || sorted.version) {
+        result.message = sorted.help ? help_text() : version_text();
         return result;
     }
+    const std::vector<std::string>& operands = sorted.operands;
     const VerbRow* verb = operands.empty() ? nullptr : find_verb(operands.front());
     if (verb == nullptr) {
         return usage_error(
@@ -257,25 +396,45 @@ ParseResult parse_command_line(const std::vector<std::string>& words) {
     }
     result.options.verb = verb->verb;
     result.options.operands.assign(operands.begin() + 1, operands.end());
-    for (std::size_t i = 0; i < kFlags.size(); ++i) {
-        if (given[i]->count() > 0 && (kFlags[i].verbs & static_cast<unsigned>(verb->verb)) == 0) {
-            return usage_error(fmt::format("{} has no flag {}", verb->name, kFlags[i].names));
-        }
-        if (kFlags[i].metavar[0] == '\0') {
-            values[i].assign(given[i]->count(), std::string());
-        }
-        for (const std::string& value : values[i]) {
-            if (const auto wrong = kFlags[i].take(result.options, value); !wrong.empty()) {
-                return usage_error(fmt::format("{} {}: {}", kFlags[i].names, value, wrong));
-            }
-        }
+    const SubVerbRow* sub = result.options.operands.empty()
+                                ? nullptr
+                                : find_sub_verb(verb->verb, result.options.operands.front());
+    if (std::string wrong = take_flags(sorted, *verb, sub, result.options); !wrong.empty()) {
+        return usage_error(std::move(wrong));
     }
-    if (result.options.operands.size() != (verb->verb == kConvert ? 2U : 1U)) {
-        return usage_error(fmt::format("usage: qorvane {} {}", verb->name, verb->arguments));
+    if (std::string wrong = check_operands(*verb, result.options.operands); !wrong.empty()) {
+        return usage_error(std::move(wrong));
     }
     result.proceed = true;
     return result;
 }
+
+namespace {
+
+std::string flag_lines(const auto& wanted) {
+    std::string text;
+    for (const FlagRow& row : kFlags) {
+        if (wanted(row)) {
+            text += fmt::format("  {:<26} {}\n", fmt::format("{} {}", row.names, row.metavar),
+                                indented(row.help, 29, 80));
+        }
+    }
+    return text;
+}
+
+std::string sub_verb_lines(const VerbRow& verb) {
+    std::string text;
+    for (const SubVerbRow& row : kSubVerbs) {
+        if (row.verb == verb.verb) {
+            text += fmt::format("  {:<26} {}\n",
+                                fmt::format("{} {} {}", verb.name, row.name, row.arguments),
+                                indented(row.help, 29, 80));
+        }
+    }
+    return text.empty() ? text : fmt::format("\nVerbs of {}:\n{}", verb.name, text);
+}
+
+} // namespace
 
 std::string help_text() {
     std::string text = "qorvane: from a CAD drawing to a photo-realistic picture\n\n";
@@ -284,24 +443,16 @@ std::string help_text() {
                             row.help);
     }
     for (const VerbRow& verb : kVerbs) {
-        std::string flags;
-        for (const FlagRow& row : kFlags) {
-            if (row.verbs != kAllVerbs && (row.verbs & verb.verb) != 0) {
-                flags += fmt::format("  {:<26} {}\n", fmt::format("{} {}", row.names, row.metavar),
-                                     indented(row.help, 29, 80));
-            }
-        }
+        text += sub_verb_lines(verb);
+        const std::string flags = flag_lines([&](const FlagRow& row) {
+            return row.verbs != kAllVerbs && (row.verbs & verb.verb) != 0;
+        });
         if (!flags.empty()) {
             text += fmt::format("\nFlags of {}:\n{}", verb.name, flags);
         }
     }
     text += "\nEverywhere:\n";
-    for (const FlagRow& row : kFlags) {
-        if (row.verbs == kAllVerbs) {
-            text += fmt::format("  {:<26} {}\n", fmt::format("{} {}", row.names, row.metavar),
-                                indented(row.help, 29, 80));
-        }
-    }
+    text += flag_lines([](const FlagRow& row) { return row.verbs == kAllVerbs; });
     text += "  -h,--help                  this text\n"
             "  -V,--version               the version\n"
             "\nExit codes: 0 done, 1 failed, 2 wrong usage, 3 input cannot be read, 4 something\n"
@@ -328,6 +479,12 @@ std::string manual_page() {
     text += ".SH VERBS\n";
     for (const VerbRow& row : kVerbs) {
         text += fmt::format(".TP\n.B {} {}\n{}\n", row.name, row.arguments, escaped(row.help));
+        for (const SubVerbRow& sub : kSubVerbs) {
+            if (sub.verb == row.verb) {
+                text += fmt::format(".TP\n.B {} {} {}\n{}\n", row.name, sub.name, sub.arguments,
+                                    escaped(sub.help));
+            }
+        }
     }
     text += ".SH OPTIONS\n";
     for (const FlagRow& row : kFlags) {
@@ -349,6 +506,7 @@ std::string manual_page() {
 std::string bash_completion() {
     std::string verbs;
     std::string cases;
+    std::string sub_cases;
     for (const VerbRow& verb : kVerbs) {
         verbs += std::string(verb.name) + " ";
         std::string flags;
@@ -360,6 +518,15 @@ std::string bash_completion() {
             }
         }
         cases += fmt::format("        {}) words=\"{}\" ;;\n", verb.name, flags);
+        std::string subs;
+        for (const SubVerbRow& sub : kSubVerbs) {
+            if (sub.verb == verb.verb) {
+                subs += std::string(sub.name) + " ";
+            }
+        }
+        if (!subs.empty()) {
+            sub_cases += fmt::format("        {}) words=\"{}\" ;;\n", verb.name, subs);
+        }
     }
     std::string values;
     for (const FlagRow& row : kFlags) {
@@ -381,13 +548,16 @@ _qorvane() {{
     elif [[ $current == -* ]]; then
         case ${{COMP_WORDS[1]}} in
 {}        esac
+    elif [ "$COMP_CWORD" = 2 ]; then
+        case ${{COMP_WORDS[1]}} in
+{}        esac
     fi
     COMPREPLY=($(compgen -W "$words" -- "$current"))
     [ -n "$words" ] || compopt -o default
 }}
 complete -F _qorvane qorvane
 )",
-                       values, verbs, cases);
+                       values, verbs, cases, sub_cases);
 }
 
 } // namespace apps

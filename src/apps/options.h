@@ -2,6 +2,7 @@
 // the manual page and the shell completion.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -16,20 +17,35 @@ enum Verb : std::uint8_t {
     kRun = 4,
     kInspect = 8,
     kConvert = 16,
-    kAllVerbs = 31
+    kSettings = 32,
+    kAllVerbs = 63
 };
+
+/// Any number of operands.
+inline constexpr std::size_t kNoLimit = static_cast<std::size_t>(-1);
 
 struct VerbRow {
     Verb verb;
     const char* name;
     const char* arguments; ///< operands as the help shows them
     const char* help;
+    std::size_t least, most; ///< number of operands; of a verb with sub-verbs, the sub-verb counts
+};
+
+/// What the first operand of some verbs chooses.
+struct SubVerbRow {
+    Verb verb;
+    const char* name;
+    const char* arguments;
+    const char* help;
+    std::size_t least, most; ///< number of operands behind the sub-verb
+    const char* flags;       ///< the verb's own flags that it takes, separated by blanks
 };
 
 /// What the command line asked for.
 struct Options {
     Verb verb = kRender;
-    std::vector<std::string> operands; ///< drawing, or input and output
+    std::vector<std::string> operands; ///< drawing, or input and output; a sub-verb comes first
     std::string output;
     int width = 0, height = 0; ///< 0 means the default
     int passes = 0;            ///< 0 means the default
@@ -40,11 +56,14 @@ struct Options {
     std::vector<std::pair<std::string, std::string>> globals; ///< -D NAME=VALUE, in order
     std::string batch_folder;
     std::string script;
+    std::string drawing;  ///< settings: a drawing whose stored settings count
+    std::string defaults; ///< settings: a defaults file whose values count
     std::string log_file;
     std::string progress = "auto"; ///< auto, tty, ndjson, none
     int threads = 0;
     int verbosity = 0;
     bool save = false, json = false, quiet = false, force = false, ascii = false, binary = false;
+    bool user = false; ///< settings: the user's own defaults file
 };
 
 struct FlagRow {
@@ -58,6 +77,7 @@ struct FlagRow {
 };
 
 std::span<const VerbRow> verb_rows();
+std::span<const SubVerbRow> sub_verb_rows();
 std::span<const FlagRow> flag_rows();
 
 struct ParseResult {

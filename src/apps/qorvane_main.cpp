@@ -2,6 +2,7 @@
 #include "apps/exit_codes.h"
 #include "apps/host_session.h"
 #include "apps/options.h"
+#include "apps/settings_page.h"
 #include "apps/verbs.h"
 #include "omb/base/message_box.h"
 #include "omb/base/trace.h"
@@ -25,7 +26,7 @@ struct VerbFunction {
 constexpr VerbFunction kFunctions[] = {
     {apps::kRender, apps::run_render},   {apps::kExtract, apps::run_extract},
     {apps::kRun, apps::run_script},      {apps::kInspect, apps::run_inspect},
-    {apps::kConvert, apps::run_convert},
+    {apps::kConvert, apps::run_convert}, {apps::kSettings, apps::run_settings},
 };
 
 int run(const apps::Options& options) {
@@ -49,6 +50,10 @@ int main(int argc, char** argv) {
     }
     if (words.size() == 1 && words[0] == "--bash-completion") {
         fmt::print("{}", apps::bash_completion());
+        return apps::kDone;
+    }
+    if (words.size() == 1 && words[0] == "--settings-page") {
+        fmt::print("{}", apps::settings_page());
         return apps::kDone;
     }
     const apps::ParseResult parsed = apps::parse_command_line(words);

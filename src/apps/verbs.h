@@ -10,5 +10,6 @@ int run_extract(const Options& options);
 int run_script(const Options& options);
 int run_inspect(const Options& options);
 int run_convert(const Options& options);
+int run_settings(const Options& options);
 
 } // namespace apps
