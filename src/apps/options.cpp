@@ -426,8 +426,7 @@ std::string sub_verb_lines(const VerbRow& verb) {
     std::string text;
     for (const SubVerbRow& row : kSubVerbs) {
         if (row.verb == verb.verb) {
-            text += fmt::format("  {:<26} {}\n",
-                                fmt::format("{} {} {}", verb.name, row.name, row.arguments),
+            text += fmt::format("  {:<26} {}\n", fmt::format("{} {}", row.name, row.arguments),
                                 indented(row.help, 29, 80));
         }
     }

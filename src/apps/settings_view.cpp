@@ -89,8 +89,7 @@ Columns columns_of(const std::vector<Setting>& settings, bool cut) {
 
 void table_row(Line& line, const Columns& columns, const Setting& setting, bool cut) {
     const bool changed = is_changed(setting);
-    line.cell(0, changed ? "*" : " ");
-    line.cell(columns.name, setting.row->name);
+    line.cell(0, fmt::format("{} {}", changed ? '*' : ' ', setting.row->name));
     line.cell(columns.value, cell_text(setting.variable->value_text(), cut));
     if (changed) {
         line.cell(columns.factory, cell_text(setting.variable->default_text(), cut));

@@ -10,8 +10,11 @@
 #include "omb/base/message_box.h"
 #include "omb/base/profile.h"
 #include "omb/globals/option_globals.h"
+#include "platform/files.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdio>
 #include <functional>
 #include <optional>
 #include <string>
@@ -27,6 +30,14 @@ namespace {
 int troubles = 0;
 
 void tell(std::string_view text) { fmt::print(stderr, "qorvane: {}\n", text); }
+
+/// Prints an answer. Throws Failure when it does not go out whole.
+void answer(const std::string& text) {
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() ||
+        std::fflush(stdout) != 0) {
+        throw Failure{kUnwritable, "standard output: " + platform::system_error_text(errno)};
+    }
+}
 
 /// What the profile holds under a setting's keys.
 std::vector<std::optional<std::string>> kept_texts(const std::vector<std::string>& names) {
@@ -101,11 +112,11 @@ int run_list(const Options& options) {
         });
     }
     if (options.json) {
-        fmt::print("{}", settings_json(settings));
+        answer(settings_json(settings));
     } else if (settings.empty()) {
         tell(fmt::format("no setting matches '{}'", shown_text(options.operands[1])));
     } else {
-        fmt::print("{}", settings_table_text(settings, isatty(STDOUT_FILENO) != 0));
+        answer(settings_table_text(settings, isatty(STDOUT_FILENO) != 0));
     }
     return kDone;
 }
@@ -117,7 +128,7 @@ int run_get(const Options& options) {
     }
     std::vector<Setting> settings = effective_settings(options);
     const Setting& setting = *find_setting(settings, name);
-    fmt::print("{}", options.json ? setting_json(setting) : setting.variable->value_text() + "\n");
+    answer(options.json ? setting_json(setting) : setting.variable->value_text() + "\n");
     return kDone;
 }
 
@@ -125,11 +136,11 @@ int run_diff(const Options& options) {
     std::vector<Setting> settings = effective_settings(options);
     std::erase_if(settings, [](const Setting& setting) { return !is_changed(setting); });
     if (options.json) {
-        fmt::print("{}", settings_json(settings));
+        answer(settings_json(settings));
     } else if (settings.empty()) {
         fmt::print("Nothing differs from the factory values.\n");
     } else {
-        fmt::print("{}", settings_diff_text(settings));
+        answer(settings_diff_text(settings));
     }
     return kDone;
 }

@@ -38,6 +38,19 @@ TEST(Options, TwoDashesEndTheFlags) {
     EXPECT_TRUE(r.options.quiet);
 }
 
+TEST(Options, OperandsOfSettingsStandAsTheyAre) {
+    const ParseResult r = parse({"settings", "set", "iks_resx", "-1", "pqor_sun_date", "-.5,2,3",
+                                 "sks_auto_image_name", "[a,b]", "--quiet"});
+    ASSERT_TRUE(r.proceed) << r.message;
+    EXPECT_EQ(r.options.operands,
+              (std::vector<std::string>{"set", "iks_resx", "-1", "pqor_sun_date", "-.5,2,3",
+                                        "sks_auto_image_name", "[a,b]"}));
+    const ParseResult list = parse({"settings", "list", "--json", "--drawing", "a.dxf"});
+    ASSERT_TRUE(list.proceed) << list.message;
+    EXPECT_TRUE(list.options.json);
+    EXPECT_EQ(list.options.drawing, "a.dxf");
+}
+
 struct WrongUse {
     std::vector<std::string> words;
     const char* part; ///< of the message
@@ -54,22 +67,27 @@ TEST_P(WrongUsage, EndsWithCodeTwoAndSaysWhy) {
 
 INSTANTIATE_TEST_SUITE_P(
     All, WrongUsage,
-    ::testing::Values(WrongUse{{}, "nothing to do"},
-                      WrongUse{{"house.dxf"}, "the window is not there yet"},
-                      WrongUse{{"render"}, "usage: qorvane render DRAWING"},
-                      WrongUse{{"convert", "a.dxf"}, "usage: qorvane convert IN OUT"},
-                      WrongUse{{"render", "a.dxf", "--bogus"}, "--bogus"},
-                      WrongUse{{"render", "a.dxf", "-s", "800"}, "a size is WIDTHxHEIGHT"},
-                      WrongUse{{"render", "a.dxf", "-s", "800x600x"}, "a size is WIDTHxHEIGHT"},
-                      WrongUse{{"render", "a.dxf", "-s", "40000x600"}, "a size is WIDTHxHEIGHT"},
-                      WrongUse{{"render", "a.dxf", "--passes", "0"}, "passes are a number"},
-                      WrongUse{{"render", "a.dxf", "--time", "10q"}, "a time is"},
-                      WrongUse{{"render", "a.dxf", "--preset", "disco"}, "presets are"},
-                      WrongUse{{"render", "a.dxf", "-D", "iks_resq=1"}, "nearest: iks_resx"},
-                      WrongUse{{"render", "a.dxf", "-D", "=1"}, "a setting is NAME=VALUE"},
-                      WrongUse{{"render", "a.dxf", "-o", ""}, "the value is empty"},
-                      WrongUse{{"inspect", "a.dxf", "--passes", "3"},
-                               "inspect has no flag --passes"}));
+    ::testing::Values(
+        WrongUse{{}, "nothing to do"}, WrongUse{{"house.dxf"}, "the window is not there yet"},
+        WrongUse{{"render"}, "usage: qorvane render DRAWING"},
+        WrongUse{{"convert", "a.dxf"}, "usage: qorvane convert IN OUT"},
+        WrongUse{{"render", "a.dxf", "--bogus"}, "--bogus"},
+        WrongUse{{"render", "a.dxf", "-s", "800"}, "a size is WIDTHxHEIGHT"},
+        WrongUse{{"render", "a.dxf", "-s", "800x600x"}, "a size is WIDTHxHEIGHT"},
+        WrongUse{{"render", "a.dxf", "-s", "40000x600"}, "a size is WIDTHxHEIGHT"},
+        WrongUse{{"render", "a.dxf", "--passes", "0"}, "passes are a number"},
+        WrongUse{{"render", "a.dxf", "--time", "10q"}, "a time is"},
+        WrongUse{{"render", "a.dxf", "--preset", "disco"}, "presets are"},
+        WrongUse{{"render", "a.dxf", "-D", "iks_resq=1"}, "nearest: iks_resx"},
+        WrongUse{{"render", "a.dxf", "-D", "=1"}, "a setting is NAME=VALUE"},
+        WrongUse{{"render", "a.dxf", "-o", ""}, "the value is empty"},
+        WrongUse{{"render", "a.dxf", "-x"}, "there is no flag -x"},
+        WrongUse{{"inspect", "a.dxf", "--passes", "3"}, "inspect has no flag --passes"},
+        WrongUse{{"render", "a.dxf", "--user"}, "render has no flag --user"},
+        WrongUse{{"settings"}, "usage: qorvane settings VERB"},
+        WrongUse{{"settings", "lits"}, "did you mean 'list'?"},
+        WrongUse{{"settings", "set", "iks_resx"}, "settings set NAME VALUE"},
+        WrongUse{{"settings", "list", "--user"}, "settings list has no flag --user"}));
 
 TEST(Options, HelpManualAndCompletionNameEveryFlag) {
     const std::string help = help_text();
@@ -84,6 +102,11 @@ TEST(Options, HelpManualAndCompletionNameEveryFlag) {
     }
     for (const VerbRow& row : verb_rows()) {
         EXPECT_NE(manual_page().find(std::string(".B ") + row.name), std::string::npos);
+    }
+    for (const SubVerbRow& row : sub_verb_rows()) {
+        EXPECT_NE(help.find(std::string("\n  ") + row.name + " "), std::string::npos) << row.name;
+        EXPECT_NE(manual_page().find(std::string(".B settings ") + row.name), std::string::npos);
+        EXPECT_NE(completion.find(std::string(row.name) + " "), std::string::npos);
     }
     EXPECT_EQ(parse({"--help"}).message, help);
     EXPECT_EQ(parse({"render", "-h"}).exit_code, kDone);
