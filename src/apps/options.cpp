@@ -2,6 +2,8 @@
 #include "apps/options.h"
 
 #include "apps/exit_codes.h"
+#include "apps/settings_table.h"
+#include "apps/settings_text.h"
 #include "apps/version.h"
 #include "omb/base/text.h"
 #include "omb/globals/catalogue.h"
@@ -72,14 +74,12 @@ std::string take_global(Options& options, const std::string& value) {
     }
     const std::string name = value.substr(0, equals);
     if (!is_catalogue_global(name)) {
-        std::string nearest;
-        for (const std::string& other : nearest_global_names(name, 3)) {
-            nearest += (nearest.empty() ? "" : ", ") + other;
-        }
-        return fmt::format("there is no setting '{}'; nearest: {}", name, nearest);
+        return unknown_setting(name);
     }
-    options.globals.emplace_back(name, value.substr(equals + 1));
-    return {};
+    CheckedText checked =
+        check_setting_text(name, std::string_view(value).substr(equals + 1), TextForm::kTyped);
+    options.globals.emplace_back(name, std::move(checked.text));
+    return std::move(checked.wrong);
 }
 
 template <std::string Options::*member>

@@ -6,7 +6,6 @@
 #include "omb/base/profile.h"
 #include "omb/base/text.h"
 #include "omb_qorvane/dictionary.h"
-#include "omb_qorvane/omb_export.h"
 
 #include <array>
 #include <optional>
@@ -167,8 +166,7 @@ void apply_drawing(std::vector<Setting>& settings, const std::string& drawing) {
     for (Setting& setting : settings) {
         setting.variable->changed = false;
     }
-    cl_omb_export exporter;
-    exporter.read_globals_from_OMB_QorvaneDictionary();
+    read_globals_from_OMB_QorvaneDictionary(session.database());
     for (Setting& setting : settings) {
         if (setting.variable->changed) {
             setting.source = Source::kDrawing;

@@ -79,6 +79,7 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{{"render", "a.dxf", "--time", "10q"}, "a time is"},
         WrongUse{{"render", "a.dxf", "--preset", "disco"}, "presets are"},
         WrongUse{{"render", "a.dxf", "-D", "iks_resq=1"}, "nearest: iks_resx"},
+        WrongUse{{"render", "a.dxf", "-D", "iks_resx=wide"}, "takes a whole number"},
         WrongUse{{"render", "a.dxf", "-D", "=1"}, "a setting is NAME=VALUE"},
         WrongUse{{"render", "a.dxf", "-o", ""}, "the value is empty"},
         WrongUse{{"render", "a.dxf", "-x"}, "there is no flag -x"},

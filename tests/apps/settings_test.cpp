@@ -42,9 +42,9 @@ std::string drawing_with_settings() {
     for (const auto& [name, value] : records) {
         std::ostringstream hex;
         hex << std::hex << std::uppercase << handle++;
-        text += "3\n" + name + "\n350\n" + hex.str() + "\n";
-        bodies += "0\nXRECORD\n5\n" + hex.str() + "\n330\n1D\n100\nAcDbXrecord\n280\n1\n2\n" +
-                  name + "\n" + value;
+        text.append("3\n").append(name).append("\n350\n").append(hex.str()).append("\n");
+        bodies.append("0\nXRECORD\n5\n").append(hex.str()).append("\n330\n1D\n100\nAcDbXrecord\n");
+        bodies.append("280\n1\n2\n").append(name).append("\n").append(value);
     }
     return text + bodies + "0\nENDSEC\n0\nEOF\n";
 }
@@ -180,7 +180,7 @@ TEST_F(Settings, TheTableFitsItsLinesAndMarksChanges) {
     std::istringstream lines(out({"list"}));
     std::string line, heading;
     int marked = 0, settings = 0;
-    std::set<std::size_t> type_columns;
+    std::set<std::size_t> last_columns;
     while (std::getline(lines, line)) {
         EXPECT_LE(line.size(), 100U) << line;
         if (line.starts_with("* ")) {
@@ -191,14 +191,14 @@ TEST_F(Settings, TheTableFitsItsLinesAndMarksChanges) {
         }
         if (line.starts_with("  ") && line.find('_') != std::string::npos) {
             ++settings;
-            type_columns.insert(line.find_last_of(' ', line.find_last_not_of(' ')));
+            last_columns.insert(line.find_last_of(' ', line.find_last_not_of(' ')));
         } else if (!line.starts_with("*")) {
             heading = line;
         }
     }
     EXPECT_EQ(marked, 1);
     EXPECT_GT(settings, 700);
-    EXPECT_EQ(type_columns.size(), 1U) << "the last column begins at one place";
+    EXPECT_EQ(last_columns.size(), 1U) << "the last column begins at one place";
 }
 
 TEST_F(Settings, UnknownNamesAndVerbsAreAnsweredWithTheNearest) {
@@ -436,7 +436,7 @@ TEST_F(Settings, ImportOfWhatIsNoDefaultsFile) {
     EXPECT_EQ(run({"import", "folder.dfl"}).code, 3);
     write("empty.dfl", "");
     EXPECT_EQ(out({"import", "empty.dfl"}), "0 settings changed, 0 lines not taken.\n");
-    std::string picture("\x89PNG\r\n\x1a\n\0\0;\x1b[31m", 17);
+    std::string picture("\x89PNG\r\n\x1a\n\0\0;\x1b[31m", 16);
     for (int i = 0; i < 1000; ++i) {
         picture += "line " + std::to_string(i) + "; \x01\xff\n";
     }
