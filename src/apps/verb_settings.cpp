@@ -355,9 +355,9 @@ int run_settings(const Options& options) {
     if (row == std::end(kSubVerbs)) {
         throw Failure{kUsage, "settings has no verb '" + options.operands.front() + "'"};
     }
-    set_message_sink([](const std::string& text, const std::string& title) {
+    set_message_sink([](const std::string& text, const std::string&) {
         ++troubles;
-        tell(title.empty() ? text : title + ": " + text);
+        tell(text);
     });
     open_user_profile(row->use);
     preset_application_globals(0);
