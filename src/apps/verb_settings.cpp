@@ -9,6 +9,7 @@
 #include "omb/base/folders.h"
 #include "omb/base/message_box.h"
 #include "omb/base/profile.h"
+#include "omb/globals/defaults_files.h"
 #include "omb/globals/option_globals.h"
 #include "platform/files.h"
 
@@ -255,16 +256,6 @@ int run_reset(const Options& options) {
 
 // ---- files ----
 
-/// The user's own defaults file, its folder made when missing. Throws Failure.
-std::string user_defaults_file() {
-    const std::string settings_folder = get_settings_folder();
-    const std::string folder = join_path(settings_folder, "Defaults");
-    if (settings_folder.empty() || !make_folder(folder)) {
-        throw Failure{kUnwritable, folder + ": the folder cannot be made"};
-    }
-    return join_path(folder, "defaults.usr");
-}
-
 /// The file that an operand or --user means. Throws Failure.
 std::string defaults_file(const Options& options, bool for_reading) {
     if (options.user == (options.operands.size() > 1)) {
@@ -273,7 +264,10 @@ std::string defaults_file(const Options& options, bool for_reading) {
                                           options.operands[0])};
     }
     if (options.user) {
-        return user_defaults_file();
+        if (get_defaults_folder().empty()) {
+            throw Failure{kUnwritable, "the folder of the user's defaults cannot be made"};
+        }
+        return get_user_defaults_file();
     }
     const std::string& path = options.operands[1];
     if (!path_extension(path).empty() || (for_reading && file_exists(path))) {
