@@ -51,14 +51,14 @@ of them or none. `--json` with `list`, `get` and `diff` answers programs. `--use
 Five places are asked; a later one wins:
 
 1. the factory value (`default`),
-2. the program's initialisation file in the settings folder (`file`), for all kinds but `r` and `p`,
-3. your profile (`profile`),
+2. the initialisation file `qorvane.ini` (`file`), for all kinds but `r` and `p`,
+3. your profile, `profile.ini` (`profile`),
 4. a defaults file that is named with `--defaults office.dfl` (`file`),
 5. the drawing, with `--drawing house.dxf` (`drawing`).
 
 The settings folder is `~/.config/qorvane`, below `XDG_CONFIG_HOME` when that is set; `QORVANE_HOME`
-replaces both. The format of a defaults file is told in
-[option-globals.md](../formats/option-globals.md). A file that changes a setting puts
+replaces both. The forms of these files are told in [profile.md](../formats/profile.md) and
+[option-globals.md](../formats/option-globals.md). A defaults file that changes a setting puts
 `iks_render_quality` to 0, which means custom. A drawing keeps whole numbers in 16 bits: from -32768
 to 32767.
 
