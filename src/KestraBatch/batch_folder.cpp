@@ -5,6 +5,7 @@
 #include "omb/globals/catalogue.h"
 #include "omb/globals/globals.h"
 #include "omb/globals/option_globals.h"
+#include "omb/globals/trace_values.h"
 #include "toolkit/ts_xml.h"
 
 #include <algorithm>
@@ -71,6 +72,7 @@ std::vector<std::string> load_globals(const Parameters& params, WarningList& war
     preset_report_globals(0);
     const auto defaults = lines_of(option_globals_text());
     read_settings(params, warnings);
+    dc_set_trace_values();
     std::vector<std::string> changed;
     const std::set<std::string> known(defaults.begin(), defaults.end());
     for (std::string& line : lines_of(option_globals_text())) {

@@ -3,6 +3,8 @@
 #include "apps/host_session.h"
 #include "apps/options.h"
 #include "apps/verbs.h"
+#include "apps/version.h"
+#include "omb/base/error_dialog.h"
 #include "omb/base/trace.h"
 
 #include <cstdio>
@@ -61,7 +63,9 @@ int main(int argc, char** argv) {
         const auto path = std::filesystem::absolute(parsed.options.log_file, failed);
         setenv("QORVANE_LOG_FILE", path.c_str(), 1);
     }
-    start_trace_from_environment();
+    start_trace_from_environment("qorvane");
+    set_trace_sink([](int, const std::string& line) { fmt::print(stderr, "{}", line); });
+    set_version_data({"qorvane", apps::version_number(), apps::build_name(), {}});
     try {
         return run(parsed.options);
     } catch (const apps::Failure& failure) {
