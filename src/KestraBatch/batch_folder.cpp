@@ -5,6 +5,7 @@
 #include "omb/globals/catalogue.h"
 #include "omb/globals/globals.h"
 #include "omb/globals/option_globals.h"
+#include "omb/globals/trace_values.h"
 #include "toolkit/ts_xml.h"
 
 #include <algorithm>
@@ -70,6 +71,7 @@ std::vector<std::string> load_globals(const Parameters& params, WarningList& war
     preset_application_globals(0);
     preset_report_globals(0);
     read_settings(params, warnings);
+    dc_set_trace_values();
     std::vector<std::string> changed;
     for (std::string& line : lines_of(option_globals_text())) {
         const cl_variable_base* variable = globals.lookup(line.substr(0, line.find(';')));

@@ -1,6 +1,7 @@
 // The batch process: renders the batch folder that is named on its command line.
 #include "KestraBatch/run_batch.h"
 #include "apps/version.h"
+#include "omb/base/error_dialog.h"
 #include "omb/base/profile.h"
 #include "omb/base/trace.h"
 #include "platform/files.h"
@@ -89,7 +90,9 @@ int threads_from_environment() {
 
 int main(int argc, char** argv) {
     platform::ignore_broken_pipes();
-    start_trace_from_environment();
+    start_trace_from_environment("KestraBatch64");
+    set_trace_sink([](int, const std::string& line) { fmt::print(stderr, "{}", line); });
+    set_version_data({"KestraBatch64", apps::version_number(), apps::build_name(), {}});
     open_user_profile(profile_use::read_only); // settings go back through option_globals.txt
     std::signal(SIGINT, on_signal);
     std::signal(SIGTERM, on_signal);

@@ -4,6 +4,8 @@
 #include "apps/options.h"
 #include "apps/settings_page.h"
 #include "apps/verbs.h"
+#include "apps/version.h"
+#include "omb/base/error_dialog.h"
 #include "omb/base/message_box.h"
 #include "omb/base/trace.h"
 
@@ -67,7 +69,9 @@ int main(int argc, char** argv) {
         const auto path = std::filesystem::absolute(parsed.options.log_file, failed);
         setenv("QORVANE_LOG_FILE", path.c_str(), 1);
     }
-    start_trace_from_environment();
+    start_trace_from_environment("qorvane");
+    set_trace_sink([](int, const std::string& line) { fmt::print(stderr, "{}", line); });
+    set_version_data({"qorvane", apps::version_number(), apps::build_name(), {}});
     // What a box would hold is told on the terminal.
     set_message_sink([](const std::string& text, const std::string&) { tell(text); });
     try {

@@ -10,4 +10,7 @@ std::string version_text() {
                        QORVANE_VERSION, QORVANE_COMMIT);
 }
 
+std::string version_number() { return QORVANE_VERSION; }
+std::string build_name() { return QORVANE_COMMIT; }
+
 } // namespace apps

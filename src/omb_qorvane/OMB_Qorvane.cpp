@@ -4,6 +4,7 @@
 #include "omb/base/trace.h"
 #include "omb/globals/catalogue.h"
 #include "omb/globals/globals.h"
+#include "omb/globals/trace_values.h"
 #include "omb_qorvane/command_table.h"
 #include "omb_qorvane/ts_ac_world_draw.h"
 
@@ -82,8 +83,9 @@ std::uintptr_t first_use() {
     used = true;
     const std::uintptr_t window = adsw_acadMainWnd();
     if (first) {
-        start_trace_from_environment();
+        start_trace_from_environment("OMB_Qorvane");
         preset_globals(0);
+        dc_set_trace_values();
     }
     if (window == 0) {
         OMB_TRACE(0, "OMB_Qorvane Unable to locate AutoCAD parent window.");

@@ -1,6 +1,7 @@
 // The commands and what they do.
 #include "omb_qorvane/command_table.h"
 
+#include "omb/base/errors.h"
 #include "omb/base/text.h"
 #include "omb/globals/catalogue.h"
 #include "omb/globals/globals.h"
@@ -70,18 +71,24 @@ void RENDER() {
     plain_start(pending_start_code(), EXTRACT_AND_RENDER);
 }
 
+/// The host tells the user why a command failed: text is all that it gets from us.
+template <void (*body)()>
+void command() {
+    run_at_boundary("Error while running command", body);
+}
+
 constexpr std::array<cl_command_row, 7> table{{
-    {"_omb_ac_addons_dlg", "omb_addons_dlg", &omb_addons_dlg},
-    {"_omb_ac_render_ready", "omb_ac_render_ready", &omb_ac_render_ready},
-    {"_omb_ac_image_wizard", "omb_image_wizard", &omb_image_wizard},
-    {"_omb_ac_layer_materials", "omb_ac_layer_materials", &omb_ac_layer_materials},
-    {"_omb_auto_refl", "OMB_AUTO_REFL", &omb_auto_refl},
-    {"_omb_test", "omb_test", &omb_test},
-    {"_OMB_GREEN_BUTTON", "OMB_GREEN_BUTTON", &OMB_GREEN_BUTTON},
+    {"_omb_ac_addons_dlg", "omb_addons_dlg", &command<omb_addons_dlg>},
+    {"_omb_ac_render_ready", "omb_ac_render_ready", &command<omb_ac_render_ready>},
+    {"_omb_ac_image_wizard", "omb_image_wizard", &command<omb_image_wizard>},
+    {"_omb_ac_layer_materials", "omb_ac_layer_materials", &command<omb_ac_layer_materials>},
+    {"_omb_auto_refl", "OMB_AUTO_REFL", &command<omb_auto_refl>},
+    {"_omb_test", "omb_test", &command<omb_test>},
+    {"_OMB_GREEN_BUTTON", "OMB_GREEN_BUTTON", &command<OMB_GREEN_BUTTON>},
 }};
 constexpr std::array<cl_command_row, 2> by_hand{{
-    {"QORB", "QORB", &QORB},
-    {"RENDER", "RENDER", &RENDER},
+    {"QORB", "QORB", &command<QORB>},
+    {"RENDER", "RENDER", &command<RENDER>},
 }};
 
 } // namespace

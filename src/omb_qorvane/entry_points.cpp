@@ -1,4 +1,5 @@
 // The module's entry points.
+#include "omb/base/errors.h"
 #include "omb_qorvane/OMB_Qorvane.h"
 
 namespace {
@@ -9,7 +10,8 @@ COMB_Qorvane& application() {
 } // namespace
 
 extern "C" AcRx::AppRetCode acrxEntryPoint(AcRx::AppMsgCode message, void* data) {
-    return application().message(message, data);
+    return run_at_boundary("Error in the module's entry point",
+                           [&] { return application().message(message, data); });
 }
 
 extern "C" int acrxGetApiVersion() { return kAcrxApiVersion; }

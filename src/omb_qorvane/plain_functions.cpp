@@ -1,11 +1,11 @@
 // The functions that other programs call.
 #include "omb_qorvane/plain_functions.h"
 
+#include "omb/base/errors.h"
 #include "omb_qorvane/OMB_Qorvane.h"
 #include "omb_qorvane/driver.h"
 
 #include <algorithm>
-#include <exception>
 
 namespace {
 
@@ -17,13 +17,13 @@ int guarded(int on_failure, Work&& work) {
     if (theApp_instance == nullptr) {
         return on_failure;
     }
-    try {
-        return work();
-    } catch (const std::exception& e) {
-        theApp().omb_export.last_error = e.what();
-        acutPrintf(std::string("\n") + e.what() + "\n");
-        return on_failure;
+    std::string text;
+    const int status = run_guarded("Error in a plain function", on_failure, work, &text);
+    if (!text.empty()) {
+        theApp().omb_export.last_error = text;
+        acutPrintf("\n" + text + "\n");
     }
+    return status;
 }
 
 } // namespace

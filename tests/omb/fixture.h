@@ -2,6 +2,9 @@
 // whose lines and errors are collected, and boxes that answer as told.
 #pragma once
 
+#include "omb/base/error_dialog.h"
+#include "omb/base/error_list.h"
+#include "omb/base/errors.h"
 #include "omb/base/folders.h"
 #include "omb/base/message_box.h"
 #include "omb/base/profile.h"
@@ -39,8 +42,9 @@ public:
         answers.erase(answers.begin());
         return answer;
     }
-    void error_dialog(const std::string& message, const std::string&) override {
-        boxes.push_back({message, "Error", 0});
+    bool error_dialog(const cl_error_dialog& dialog) override {
+        boxes.push_back({dialog.text, dialog.title, 0});
+        return true;
     }
 
 private:
@@ -60,6 +64,9 @@ protected:
         trace_settings() = {};
         trace_settings().show_traces_in_release = true;
         set_trace_sink([this](int level, const std::string& text) {
+            lines.push_back(std::to_string(level) + "|" + text.substr(0, text.size() - 1));
+        });
+        set_error_listener([this](int level, const std::string& text) {
             lines.push_back(std::to_string(level) + "|" + text);
         });
         set_window_port(std::make_unique<ScriptedPort>(boxes, answers));
@@ -71,6 +78,7 @@ protected:
     }
     void TearDown() override {
         set_trace_sink({});
+        set_error_listener({});
         set_trace_started(false);
         trace_settings() = {};
         set_window_port(nullptr);

@@ -1,6 +1,7 @@
 // The message box and its port, see message_box.h.
 #include "omb/base/message_box.h"
 
+#include "omb/base/error_dialog.h"
 #include "omb/base/trace.h"
 
 namespace {
@@ -16,6 +17,8 @@ void to_trace(const std::string& text, const std::string& title) {
 
 } // namespace
 
+bool cl_window_port::email_error_dialog(cl_email_error_dialog&) { return false; }
+
 cl_headless_window_port::cl_headless_window_port(message_sink sink)
   : sink(std::move(sink)) {}
 
@@ -25,9 +28,9 @@ int cl_headless_window_port::message_box(const std::string& text, const std::str
     return safe_answer(type);
 }
 
-void cl_headless_window_port::error_dialog(const std::string& message,
-                                           const std::string& location) {
-    (sink ? sink : to_trace)(location.empty() ? message : message + "\n\n" + location, "Error");
+bool cl_headless_window_port::error_dialog(const cl_error_dialog& dialog) {
+    (sink ? sink : to_trace)(dialog.text + "\n\n" + dialog.location, dialog.title);
+    return true;
 }
 
 int cl_headless_window_port::safe_answer(unsigned type) {

@@ -20,14 +20,20 @@ inline constexpr int id_ok = 1, id_cancel = 2, id_abort = 3, id_retry = 4, id_ig
 /// A window that may own a box; the port knows what it is.
 using cl_window_handle = void*;
 
+struct cl_email_error_dialog;
+struct cl_error_dialog;
+
 class cl_window_port {
 public:
     virtual ~cl_window_port() = default;
     /// Shows the text and returns one of message_box::id_*.
     virtual int message_box(const std::string& text, const std::string& title, unsigned type,
                             cl_window_handle parent) = 0;
-    /// Shows an error with its location ("" when unknown).
-    virtual void error_dialog(const std::string& message, const std::string& location) = 0;
+    /// Shows an error modally and calls its `on_more` when the "More" button is pressed. False when
+    /// it cannot be shown as a dialog.
+    virtual bool error_dialog(const cl_error_dialog& dialog) = 0;
+    /// Asks the dialog's questions and fills in the answers; false when the user gives up.
+    virtual bool email_error_dialog(cl_email_error_dialog& dialog);
 };
 
 /// Receives what a program without windows would have shown.
@@ -40,7 +46,7 @@ public:
     explicit cl_headless_window_port(message_sink sink = {});
     int message_box(const std::string& text, const std::string& title, unsigned type,
                     cl_window_handle parent) override;
-    void error_dialog(const std::string& message, const std::string& location) override;
+    bool error_dialog(const cl_error_dialog& dialog) override; ///< text and location
 
     static int safe_answer(unsigned type);
 

@@ -1,32 +1,30 @@
 // The trace: every message of the system, from a note to a fatal error, goes through a short-lived
-// `cl_trace`. Nothing is written before `set_trace_started(true)`; the line goes to the sink (the
-// debugger's output in the system's terms) and, when one is open, to the log file.
+// `cl_trace`. Nothing is written before `set_trace_started(true)`. A line goes to the debugger's
+// output, to the scripting console and to the log file, as the switches say; errors go to the error
+// store (errors.h), and what passes is collected in the error list (error_list.h).
 //
 // Levels: 0 note, 1 report ("REPORT: "), 2 to 8 errors (kept, passed to do_error_out; 4 marks a
-// debug-only error, 5 one that goes on as an exception), 9 log file only, 10 always ("LOG: ").
+// debug-only error, 5 one that goes on as an exception), 9 note for which a log file must be in
+// use, 10 always ("LOG: ").
 #pragma once
 
-#include <array>
+#include "omb/base/trace_source.h"
+
+#include <exception>
 #include <fmt/printf.h>
 #include <functional>
-#include <stdexcept>
 #include <string>
-#include <string_view>
+#include <vector>
 
-/// The output switches. `error_list` also appends every formatted text to the error list file.
 struct trace_switches {
-    bool use_debug_file = false;         ///< bcomm_use_debug_file
-    bool show_trace_time = false;        ///< bcomm_show_trace_time
-    bool show_trace_memory = false;      ///< bcomm_show_trace_memory
-    bool show_traces_in_ruby = false;    ///< bshow_traces_in_ruby: hand lines to `console`
-    bool show_traces_in_release = false; ///< bcomm_show_traces_in_release: hand lines to the sink
+    bool use_debug_file = false;         ///< bcomm_use_debug_file: write lines to the log file
+    bool show_trace_time = false;        ///< bcomm_show_trace_time: each line tells the time
+    bool show_trace_memory = false;      ///< bcomm_show_trace_memory: each line tells the memory
+    bool show_traces_in_ruby = false;    ///< bshow_traces_in_ruby: lines to the console
+    bool show_traces_in_release = false; ///< bcomm_show_traces_in_release: debugger's output
+    /// Texts that pass are collected in the error list. Lets nothing pass by itself, so programs
+    /// may leave it on.
     bool error_list = false;
-};
-
-/// Thrown by an error of level 5, and by code whose message a command boundary is to show.
-class cl_text_error : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
 };
 
 namespace trace_detail {
@@ -36,37 +34,36 @@ struct state {
     int depth = 0; ///< live cl_trace objects
 };
 extern state current;
-std::string six_digits(const char* format); ///< each "%g" becomes "%.6g"
 } // namespace trace_detail
 
 inline trace_switches& trace_settings() { return trace_detail::current.switches; }
 inline void set_trace_started(bool started) { trace_detail::current.started = started; }
 
-/// Receives (level, text) of every line written, and of errors (2 to 8) as they are formatted. A
-/// written line is complete with prefix, label and notes, without line feed.
-using trace_sink = std::function<void(int level, const std::string& text)>;
+/// The debugger's output and the scripting console: each receives the level and the line as the log
+/// file has it, with a line feed at its end. What they trace themselves reaches the log file only.
+using trace_sink = std::function<void(int level, const std::string& line)>;
 void set_trace_sink(trace_sink sink);
-void set_trace_console(std::function<void(const std::string& line)> console);
+void set_trace_console(trace_sink console);
 
-/// Log file of `bcomm_use_debug_file`; appended to. False when it cannot be opened.
+/// Opens the log file of `use_debug_file`, to be appended to. False when it cannot be opened.
 bool open_debug_file(const std::string& path);
 void close_debug_file();
-/// Starts the trace; when the environment variable QORVANE_LOG_FILE names a file, all lines go
-/// there too.
-void start_trace_from_environment();
+bool debug_file_is_open();
+/// The log file of this run, also after it has been closed; "" when there is none or it was dropped
+/// because it could not be written.
+const std::string& debug_file_name();
 
-/// Path of the error list file, made new at the first error of a run ("" means none).
-void set_error_file(const std::string& path, const std::string& program_name);
-/// Describes the dialog command that runs, for error locations; "" when none does.
-void set_dialog_command_description(std::function<std::string()> describe);
-/// Errors are stored but not shown.
-void set_errors_quiet(bool quiet);
+/// Starts the trace of a program and its error list; a second call keeps the list's first program.
+/// When the environment variable QORVANE_LOG_FILE names a file, all lines go there too.
+void start_trace_from_environment(const std::string& program = "qorvane");
+bool log_file_is_from_environment(); ///< the log file in use is that one
 
 class cl_trace {
 public:
+    /// The texts must outlive the trace. `mode` is kept for the caller and changes nothing.
     cl_trace(const char* file, int line, const char* function, int level = 0, int mode = 0)
-      : source_file(file)
-      , function(function)
+      : source_file(file != nullptr ? file : "")
+      , function(function != nullptr ? function : "")
       , source_line(line)
       , level(level)
       , mode(mode) {
@@ -76,34 +73,71 @@ public:
     cl_trace(const cl_trace&) = delete;
     cl_trace& operator=(const cl_trace&) = delete;
 
-    /// Formats printf-like (std::string arguments match %s) and passes the text on by level.
+    /// The fast path: false when a message of this level would go nowhere.
+    static bool wanted(int level) {
+        const trace_switches& on = trace_detail::current.switches;
+        return trace_detail::current.started &&
+               (level == 10 || (level >= 2 && level <= 7) || on.use_debug_file ||
+                on.show_traces_in_ruby || on.show_traces_in_release);
+    }
+
+    /// Formats printf-like (std::string arguments match %s) and passes the text on by level. An
+    /// error of level 5 throws cl_text_error; nothing else is ever thrown from here.
     template <typename... Args>
     void out(const char* format, const Args&... args) {
-        if (idle()) {
+        if (busy || !wanted(level)) {
             return;
         }
-        busy = true;
-        try {
-            text = fmt::sprintf(trace_detail::six_digits(format), args...);
-        } catch (const std::exception&) {
-            text = format; // a bad format must not cost the message
-        }
-        finish();
+        const busy_mark mark(busy);
+        text = format_text(format, args...);
+        pass_on();
     }
 
+    /// As `out`, for narrow text of the system's code page in the format and the arguments.
+    template <typename... Args>
+    void out_narrow(const char* format, const Args&... args) {
+        if (busy || !wanted(level)) {
+            return;
+        }
+        const busy_mark mark(busy);
+        const std::string wide = trace_text::from_code_page(format);
+        text = trace_text::from_code_page(format_text(wide.c_str(), args...));
+        pass_on();
+    }
+
+    /// The error path with this trace's place and level, see errors.h.
+    void do_error_out(const std::string& message) const;
+
+    /// The formatted message; empty again once a line has been written.
     const std::string& formatted() const { return text; }
+    int trace_mode() const { return mode; }
 
 private:
-    bool idle() const {
-        const trace_switches& s = trace_detail::current.switches;
-        const bool wanted = level == 10 || (level >= 2 && level <= 7) || s.use_debug_file ||
-                            s.show_traces_in_ruby || s.show_traces_in_release || s.error_list;
-        return !wanted || busy || !trace_detail::current.started;
+    /// Marks the trace as busy for its life.
+    struct busy_mark {
+        explicit busy_mark(bool& flag)
+          : flag(flag) {
+            flag = true;
+        }
+        ~busy_mark() { flag = false; }
+        busy_mark(const busy_mark&) = delete;
+        busy_mark& operator=(const busy_mark&) = delete;
+        bool& flag;
+    };
+
+    template <typename... Args>
+    static std::string format_text(const char* format, const Args&... args) {
+        try {
+            return fmt::sprintf(trace_text::six_digits(format), args...);
+        } catch (const std::exception&) {
+            return format; // a bad format must not cost the message
+        }
     }
-    void finish();
+    cl_trace_source source() const { return {source_file, source_line, function}; }
+    void pass_on();
     void write_line();
 
-    bool busy = false;
+    bool busy = false; ///< guards against a message inside a message
     const char* source_file;
     const char* function;
     std::string text;
@@ -112,31 +146,27 @@ private:
     int mode;
 };
 
-#define OMB_TRACE(level, ...) cl_trace(__FILE__, __LINE__, __func__, level).out(__VA_ARGS__)
+/// Traces from here. The arguments are not evaluated when the message would go nowhere.
+#define OMB_TRACE(level, ...)                                                                      \
+    (cl_trace::wanted(level) ? cl_trace(__FILE__, __LINE__, __func__, level).out(__VA_ARGS__)      \
+                             : static_cast<void>(0))
 
-/// Marks a section from construction to the end of its scope; see open_trace_sections.
+/// Marks a section from construction to the end of its scope.
 class cl_do_trace {
 public:
-    cl_do_trace(const char* file, int line, const char* function);
+    explicit cl_do_trace(const cl_trace_source& source);
+    cl_do_trace(const char* file, int line, const char* function)
+      : cl_do_trace(cl_trace_source{file, line, function}) {}
     ~cl_do_trace();
     cl_do_trace(const cl_do_trace&) = delete;
     cl_do_trace& operator=(const cl_do_trace&) = delete;
+
+private:
+    std::size_t depth; ///< of the sections around this one
 };
 
-/// Entries by depth: "(START) name", with " (CLOSED)" behind those that ended.
-std::string open_trace_sections();
-
-/// The error path: stores the error, shows it through the window port (not level 4), and throws
-/// cl_text_error for level 5.
-void do_error_out(const std::string& message, int level, const char* file, int line,
-                  const char* function);
-
-/// The last three errors, newest first, each with its location; "No errors encountered." if none.
-std::string last_errors_text();
-const std::array<std::string, 3>& last_errors(); ///< messages, newest first
-void clear_last_errors();
-/// Shows the three in a message box.
-void show_last_errors();
-/// Shows the error list file, or says that there is none unless `quiet`.
-void show_error_file(bool quiet);
-void show_debug_file();
+/// The sections by depth: those that are open, and behind them those that the innermost of them
+/// entered last.
+const std::vector<cl_trace_entry>& trace_entries();
+std::size_t trace_section_depth(); ///< how many are open
+std::string open_trace_sections(); ///< the entries' texts, a line each
