@@ -53,12 +53,13 @@ private:
 
 /// Where things of the user live. `QORVANE_HOME`, when set, replaces all of them by one folder
 /// with a sub-folder each; otherwise the XDG rules hold. The folders are made when missing.
-std::filesystem::path data_folder();      ///< XDG_DATA_HOME or ~/.local/share
-std::filesystem::path config_folder();    ///< XDG_CONFIG_HOME or ~/.config
-std::filesystem::path cache_folder();     ///< XDG_CACHE_HOME or ~/.cache
-std::filesystem::path state_folder();     ///< XDG_STATE_HOME or ~/.local/state
-std::filesystem::path documents_folder(); ///< XDG_DOCUMENTS_DIR or ~/Documents; not made
-std::filesystem::path temporary_folder(); ///< TMPDIR or /tmp
+std::filesystem::path data_folder();   ///< XDG_DATA_HOME or ~/.local/share
+std::filesystem::path config_folder(); ///< XDG_CONFIG_HOME or ~/.config
+std::filesystem::path cache_folder();  ///< XDG_CACHE_HOME or ~/.cache
+std::filesystem::path state_folder();  ///< XDG_STATE_HOME or ~/.local/state
+/// XDG_DOCUMENTS_DIR of the environment, then of user-dirs.dirs, or ~/Documents; not made.
+std::filesystem::path documents_folder();
+std::filesystem::path temporary_folder(); ///< TMPDIR, TEMP or /tmp
 
 /// The running program's own file, and the file of the module that holds `address`.
 std::filesystem::path program_file();
