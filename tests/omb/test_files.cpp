@@ -105,7 +105,7 @@ TEST_F(Files, FieldsComeBackAsTheyWereWritten) {
     std::string line;
     ASSERT_TRUE(in.read_line(line));
     for (const auto& [field, written] : cases) {
-        EXPECT_EQ(read_field_csv(line), omb::trim(field)) << written;
+        EXPECT_EQ(in.read_field_csv(line), omb::trim(field)) << written;
         EXPECT_EQ(read_field_csv(line), omb::trim(field)) << written << " in quotes";
     }
     EXPECT_EQ(line, "");

@@ -297,6 +297,10 @@ std::string read_field_csv(std::string& line, char separator) {
     return field;
 }
 
+std::string cl_input_file::read_field_csv(std::string& line, char separator) {
+    return ::read_field_csv(line, separator);
+}
+
 std::string field_csv(std::string_view field, char separator, bool always_quoted) {
     const char special[] = {separator, '"', '\r', '\n'};
     const bool quoted = always_quoted || field.starts_with(' ') || field.ends_with(' ') ||

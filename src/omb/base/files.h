@@ -33,6 +33,8 @@ public:
     std::int64_t line_count() const { return count; }
     /// Copies up to `size` bytes and returns how many.
     std::size_t read_data(void* data, std::size_t size);
+    /// Cuts a field from a line, see the function of that name below.
+    static std::string read_field_csv(std::string& line, char separator = ',');
     std::string_view rest() const { return std::string_view(content).substr(position); }
 
 private:
