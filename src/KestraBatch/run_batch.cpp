@@ -155,7 +155,12 @@ private:
         }
     }
 
-    bool stopped() const { return run_.stop && run_.stop->load() != 0; }
+    bool stopped() const {
+        if (run_.take_messages) {
+            run_.take_messages();
+        }
+        return run_.stop && run_.stop->load() != 0;
+    }
     ExitCode stop_code() const {
         const int signal = run_.stop ? run_.stop->load() : interrupt_signal;
         return signal == interrupt_signal ? ExitCode::interrupted : ExitCode::terminated;

@@ -4,6 +4,7 @@
 #include "KestraBatch/progress.h"
 
 #include <atomic>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -13,7 +14,10 @@ namespace KestraBatch {
 struct BatchRun {
     std::string program_version;            ///< for metadata and the start event
     const std::atomic<int>* stop = nullptr; ///< number of the signal that asks to stop, 0 none
-    int threads = 0;                        ///< 0: as the settings say
+    /// Called whenever the run is about to look at `stop`, from one thread at a time: takes in what
+    /// other programs ask. May be empty.
+    std::function<void()> take_messages;
+    int threads = 0; ///< 0: as the settings say
 };
 
 /// Renders the batch folder whose parameter file is the one argument; "--help" and "--version"

@@ -6,6 +6,7 @@
 #include "omb/base/trace.h"
 #include "platform/files.h"
 #include "platform/line_channel.h"
+#include "platform/messages.h"
 
 #include <atomic>
 #include <charconv>
@@ -36,11 +37,23 @@ void on_signal(int number) {
     timespec now{};
     clock_gettime(CLOCK_MONOTONIC, &now);
     const std::int64_t ms = std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
-    if (stop_signal.load() == 0) {
+    if (first_signal_ms.load() == 0) {
         first_signal_ms = ms;
-        stop_signal = number;
+        int none = 0;
+        stop_signal.compare_exchange_strong(none, number);
     } else if (ms - first_signal_ms.load() > same_signal_ms) {
         _exit(128 + number);
+    }
+}
+
+/// A close message asks for the same safe stop as a termination signal. It does not count as one:
+/// the signal that comes after it, because saving takes its time, does not cut the saving short.
+void take_messages(platform::MessagePort& port) {
+    while (const auto message = port.poll()) {
+        if (message->number == platform::WM_CLOSE) {
+            int none = 0;
+            stop_signal.compare_exchange_strong(none, SIGTERM);
+        }
     }
 }
 
@@ -101,6 +114,13 @@ int main(int argc, char** argv) {
     run.program_version = version.substr(0, version.find('\n'));
     run.stop = &stop_signal;
     run.threads = threads_from_environment();
+    platform::MessagePort port;
+    std::string why;
+    if (port.open(why)) {
+        run.take_messages = [&port] { take_messages(port); };
+    } else {
+        OMB_TRACE(1, "No messages from other programs: %s", why);
+    }
     ConsoleOutput out;
     return KestraBatch::run_batch(std::vector<std::string>(argv + 1, argv + argc), out, run);
 }

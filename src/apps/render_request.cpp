@@ -6,6 +6,7 @@
 #include "omb/base/profile.h"
 #include "omb/globals/catalogue.h"
 #include "omb/globals/globals.h"
+#include "omb/globals/trace_values.h"
 #include "omb_qorvane/dictionary.h"
 #include "omb_qorvane/units.h"
 
@@ -168,6 +169,7 @@ void RenderRequest::store(const ResolvedView& view, const std::filesystem::path&
     const cl_profile_bulk one_write;
     set_picture_defaults(view);
     set_requested(image);
+    dc_set_trace_values();
     write_globals_to_OMB_QorvaneDictionary(database_, drawing_name(database_));
 }
 

@@ -1,6 +1,7 @@
 // OMB_ExtractGeometryandRender: the order of events of one extraction.
 #include "omb/base/folders.h"
 #include "omb/base/message_box.h"
+#include "omb/base/processes.h"
 #include "omb/base/trace.h"
 #include "omb/globals/defaults_files.h"
 #include "omb/globals/globals.h"
@@ -114,8 +115,10 @@ void cl_omb_export::reset_extraction(int mode) {
 }
 
 void cl_omb_export::close_last_process() {
-    if (last_process_id != 0 && platform::is_process_running(last_process_id)) {
-        platform::close_process(last_process_id);
+    // Enough for the picture so far to be saved; what takes longer is asked once more and goes on.
+    constexpr double grace_seconds = 5;
+    if (last_process_id != 0) {
+        close_program(last_process_id, grace_seconds, platform::program_name("KestraBatch.exe"));
     }
     last_process_id = last_thread_id = 0;
 }

@@ -2,7 +2,6 @@
 #include "omb_qorvane/the_app.h"
 
 #include "omb/base/folders.h"
-#include "omb/base/text.h"
 #include "platform/files.h"
 
 std::unique_ptr<cl_omb_qorvane_app> theApp_instance;
@@ -11,14 +10,6 @@ std::string own_module_folder() {
     return platform::module_file(reinterpret_cast<const void*>(&own_module_folder))
         .parent_path()
         .string();
-}
-
-std::string sibling_folder(const std::string& module_folder, const std::string& name) {
-    static constexpr std::string_view bin = "omb_bin";
-    if (!omb::ends_with_no_case(module_folder, bin)) {
-        return module_folder;
-    }
-    return module_folder.substr(0, module_folder.size() - bin.size()) + name;
 }
 
 cl_omb_qorvane_app::cl_omb_qorvane_app(const std::string& module_folder)

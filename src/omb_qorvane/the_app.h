@@ -39,8 +39,5 @@ public:
 extern std::unique_ptr<cl_omb_qorvane_app> theApp_instance;
 inline cl_omb_qorvane_app& theApp() { return *theApp_instance; }
 
-/// The folder beside the module's own: when that is "omb_bin" (the last seven characters, compared
-/// without case), its place is taken by `name`; otherwise the module folder stands for it.
-std::string sibling_folder(const std::string& module_folder, const std::string& name);
 /// The folder of the module that holds this code.
 std::string own_module_folder();

@@ -1,10 +1,13 @@
 // Files and folders on POSIX systems.
 #include "platform/files.h"
 
+#include "platform/file_io.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <sstream>
 #include <utility>
 
 #include <dlfcn.h>
@@ -161,6 +164,10 @@ bool sync_and_rename(const fs::path& from, const fs::path& to, std::string& erro
         return false;
     }
     ::close(descriptor);
+    return rename_over(from, to, error);
+}
+
+bool rename_over(const fs::path& from, const fs::path& to, std::string& error) {
     if (rename(from.c_str(), to.c_str()) != 0) {
         error = system_error_text(errno);
         return false;
@@ -193,12 +200,47 @@ fs::path config_folder() { return user_folder("XDG_CONFIG_HOME", ".config", "con
 fs::path cache_folder() { return user_folder("XDG_CACHE_HOME", ".cache", "cache"); }
 fs::path state_folder() { return user_folder("XDG_STATE_HOME", ".local/state", "state"); }
 
+namespace {
+
+/// The documents folder that the desktop's own file names, in the form XDG_DOCUMENTS_DIR="$HOME/x"
+/// or "/x"; empty when it names none. See the manual page user-dirs.dirs(5) of xdg-user-dirs.
+fs::path documents_of_user_dirs() {
+    constexpr std::string_view key = "XDG_DOCUMENTS_DIR=\"", home_word = "$HOME";
+    constexpr std::uint64_t largest = std::uint64_t{1} << 16;
+    std::string text;
+    std::string ignored;
+    if (!read_file(config_folder() / "user-dirs.dirs", largest, text, ignored)) {
+        return {};
+    }
+    std::istringstream in(text);
+    fs::path found;
+    for (std::string line; std::getline(in, line);) {
+        const std::size_t end = line.rfind('"');
+        if (!line.starts_with(key) || end < key.size()) {
+            continue;
+        }
+        std::string value = line.substr(key.size(), end - key.size());
+        if (value.starts_with(home_word)) {
+            value.replace(0, home_word.size(), environment("HOME"));
+        }
+        if (fs::path(value).is_absolute()) {
+            found = value;
+        }
+    }
+    return found;
+}
+
+} // namespace
+
 fs::path documents_folder() {
     if (const std::string all = environment("QORVANE_HOME"); !all.empty()) {
         return fs::path(all) / "documents";
     }
     if (const std::string own = environment("XDG_DOCUMENTS_DIR"); !own.empty()) {
         return own;
+    }
+    if (const fs::path chosen = documents_of_user_dirs(); !chosen.empty()) {
+        return chosen;
     }
     const std::string home = environment("HOME");
     return home.empty() ? fs::path() : fs::path(home) / "Documents";
@@ -210,8 +252,13 @@ fs::path temporary_folder() {
         fs::create_directories(fs::path(all) / "tmp", ignored);
         return fs::path(all) / "tmp";
     }
-    const std::string own = environment("TMPDIR");
-    return own.empty() ? fs::path("/tmp") : fs::path(own);
+    for (const char* name : {"TMPDIR", "TEMP"}) {
+        // A relative one would be another folder in each program that we start.
+        if (const fs::path own = environment(name); own.is_absolute()) {
+            return own;
+        }
+    }
+    return "/tmp";
 }
 
 std::vector<fs::path> system_config_folders() {

@@ -54,12 +54,13 @@ private:
 
 /// Where things of the user live. `QORVANE_HOME`, when set, replaces all of them by one folder
 /// with a sub-folder each; otherwise the XDG rules hold. The folders are made when missing.
-std::filesystem::path data_folder();      ///< XDG_DATA_HOME or ~/.local/share
-std::filesystem::path config_folder();    ///< XDG_CONFIG_HOME or ~/.config
-std::filesystem::path cache_folder();     ///< XDG_CACHE_HOME or ~/.cache
-std::filesystem::path state_folder();     ///< XDG_STATE_HOME or ~/.local/state
-std::filesystem::path documents_folder(); ///< XDG_DOCUMENTS_DIR or ~/Documents; not made
-std::filesystem::path temporary_folder(); ///< TMPDIR or /tmp
+std::filesystem::path data_folder();   ///< XDG_DATA_HOME or ~/.local/share
+std::filesystem::path config_folder(); ///< XDG_CONFIG_HOME or ~/.config
+std::filesystem::path cache_folder();  ///< XDG_CACHE_HOME or ~/.cache
+std::filesystem::path state_folder();  ///< XDG_STATE_HOME or ~/.local/state
+/// XDG_DOCUMENTS_DIR of the environment, then of user-dirs.dirs, or ~/Documents; not made.
+std::filesystem::path documents_folder();
+std::filesystem::path temporary_folder(); ///< TMPDIR, TEMP or /tmp
 /// Where settings for all users stand, the most important first: XDG_CONFIG_DIRS or /etc/xdg.
 /// None when `QORVANE_HOME` is set.
 std::vector<std::filesystem::path> system_config_folders();
@@ -73,6 +74,10 @@ std::string program_name(std::string_view windows_name);
 /// Syncs a file that was just written and renames it over `to`. False with `error` in words.
 bool sync_and_rename(const std::filesystem::path& from, const std::filesystem::path& to,
                      std::string& error);
+/// The same without waiting for the disk: the end of a program leaves one file or the other, the
+/// end of the machine may leave neither.
+bool rename_over(const std::filesystem::path& from, const std::filesystem::path& to,
+                 std::string& error);
 
 /// Value of an environment variable, empty when it is not set.
 std::string environment(const std::string& name);

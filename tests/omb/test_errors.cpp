@@ -241,7 +241,8 @@ TEST_F(Errors, ListIsMadeNewAtTheFirstErrorOfARun) {
     show_error_file(false);
     EXPECT_EQ(port->boxes.at(0).text, "No error file saved");
     EXPECT_EQ(get("error_file.txt"), "of an older run\n");
-    fault(4, "first\n\nof two lines\n");
+    fault(4, "of use to developers, and none looks on");
+    fault(3, "first\n\nof two lines\n");
     trace_settings().show_traces_in_release = true;
     OMB_TRACE(0, "passes");
     const std::string text = get("error_file.txt");

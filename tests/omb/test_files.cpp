@@ -1,6 +1,7 @@
 // Lines, CSV fields, buffered writing with errors, name services and the guards of clearing.
 #include "omb/base/files.h"
 #include "omb/base/number_text.h"
+#include "omb/base/text.h"
 #include "tests/omb/fixture.h"
 
 namespace fs = std::filesystem;
@@ -54,6 +55,63 @@ TEST_F(Files, CsvFields) {
     std::string line = "only";
     EXPECT_EQ(read_field_csv(line), "only");
     EXPECT_TRUE(line.empty());
+}
+
+TEST_F(Files, CsvFieldsThatAreOdd) {
+    EXPECT_EQ(fields(",,"), (list{"", ""}));
+    EXPECT_EQ(fields(" \t ,"), (list{""})) << "a field of blanks is trimmed to nothing";
+    EXPECT_EQ(fields("\"\",x"), (list{"", "x"}));
+    EXPECT_EQ(fields("\"\"\"\",x"), (list{"\"", "x"}));
+    EXPECT_EQ(fields("a\"\"b,c"), (list{"a\"b", "c"})) << "an escape without opening quotes";
+    EXPECT_EQ(fields("a\",b"), (list{"a", "b"})) << "the mark and the separator end any field";
+    EXPECT_EQ(fields("\"a\"\nb"), (list{"a", "b"}));
+    EXPECT_EQ(fields("\"a,\nb,c"), (list{"a,", "b", "c"})) << "a line feed ends quotes as well";
+    EXPECT_TRUE(lines.empty());
+    EXPECT_EQ(fields(" \"a,b\",c"), (list{"a", "b", "c"}))
+        << "quotes open at the very first character only";
+    lines.clear();
+    EXPECT_EQ(fields("\"a\"üb\",c"), (list{"aüb", "c"}));
+    EXPECT_EQ(traced(1, "Bad \\ escape character: 252 ü (\"a\"üb\",c)"), 1);
+    std::string_view view = "a;b";
+    EXPECT_EQ(read_field_csv(view, ';'), "a");
+    EXPECT_EQ(view, "b");
+}
+
+TEST_F(Files, FieldsComeBackAsTheyWereWritten) {
+    const std::pair<const char*, const char*> cases[] = {{"", ""},
+                                                         {"plain", "plain"},
+                                                         {"in ner", "in ner"},
+                                                         {"a,b", "\"a,b\""},
+                                                         {" a", "\" a\""},
+                                                         {"a ", "\"a \""},
+                                                         {"a;b", "a;b"},
+                                                         {"say \"x\"", "\"say \"\"x\"\"\""},
+                                                         {"\"", "\"\"\"\""},
+                                                         {"a\r\nb", "\"a\"r\"nb\""},
+                                                         {"Küche 厨", "Küche 厨"},
+                                                         {",", "\",\""},
+                                                         {"n", "n"}};
+    cl_output_file file;
+    ASSERT_TRUE(file.open(path("out.csv")));
+    for (const auto& [field, written] : cases) {
+        EXPECT_EQ(field_csv(field), written);
+        file.write_field_csv(field);
+        file.write_field_csv(field, ',', true);
+    }
+    ASSERT_TRUE(file.close());
+    EXPECT_TRUE(get("out.csv").starts_with(",\"\",plain,\"plain\",in ner,"));
+    cl_input_file in;
+    ASSERT_TRUE(in.open(path("out.csv")));
+    std::string line;
+    ASSERT_TRUE(in.read_line(line));
+    for (const auto& [field, written] : cases) {
+        EXPECT_EQ(in.read_field_csv(line), omb::trim(field)) << written;
+        EXPECT_EQ(read_field_csv(line), omb::trim(field)) << written << " in quotes";
+    }
+    EXPECT_EQ(line, "");
+    EXPECT_FALSE(in.read_line(line)) << "no field breaks the line";
+    EXPECT_EQ(field_csv("a,b", ';'), "a,b");
+    EXPECT_EQ(field_csv("a;b", ';'), "\"a;b\"");
 }
 
 TEST_F(Files, BufferedWriting) {
@@ -134,21 +192,57 @@ TEST_F(Files, AskingBeforeWriting) {
     EXPECT_EQ(traced(1, "Cannot write to Scheme file: " + path("no/f")), 2);
 }
 
+TEST_F(Files, AFileThatGrowsIsNotAskedFor) {
+    put("f.csv", "old");
+    EXPECT_TRUE(check_file_for_write(path("f.csv"), "Scheme", true, file_write_mode::append));
+    EXPECT_TRUE(boxes.empty());
+    EXPECT_FALSE(check_file_for_write(path("no/f"), "Scheme", true, file_write_mode::append));
+    ASSERT_EQ(boxes.size(), 1u);
+    EXPECT_TRUE(boxes[0].text.ends_with(
+        path("no/f") + "\n\nTry closing the program using it and click OK to retry."));
+}
+
+TEST_F(Files, RetryingSucceedsWhenTheReasonHasGone) {
+    class Mender : public cl_window_port {
+    public:
+        explicit Mender(fs::path missing)
+          : missing_(std::move(missing)) {}
+        int message_box(const std::string&, const std::string&, unsigned,
+                        cl_window_handle) override {
+            fs::create_directories(missing_);
+            return message_box::id_ok;
+        }
+        bool error_dialog(const cl_error_dialog&) override { return true; }
+
+    private:
+        fs::path missing_;
+    };
+    set_window_port(std::make_unique<Mender>(folder / "no"));
+    EXPECT_TRUE(check_file_for_write(path("no/f"), "Scheme", false));
+    EXPECT_EQ(traced(1, "Cannot write to Scheme file: " + path("no/f")), 1);
+}
+
 TEST_F(Files, UniqueNames) {
     EXPECT_EQ(get_unique_name_for_file(path("a.b.png")), path("a.b_1.png"));
     put("a_1.png", ""), put("a_2.png", "");
     EXPECT_EQ(get_unique_name_for_file(path("a.png")), path("a_3.png"));
     EXPECT_EQ(get_unique_name_for_file(path("bare")), path("bare_1"));
+    fs::create_symlink("nowhere", folder / "bare_1");
+    EXPECT_EQ(get_unique_name_for_file(path("bare")), path("bare_2")) << "a link has its name, too";
+    EXPECT_EQ(get_unique_name_for_file(path("a.png"), 2), "");
+    EXPECT_EQ(traced(1, "Could new create unique file name: " + path("a.png")), 1);
 }
 
 TEST_F(Files, ClearFolderRefusesWhatIsNotAFolderBelowTheRoot) {
     const std::pair<std::string, const char*> cases[] = {
-        {"", "File to remove not set properly"},   {"name", "Name must contain a backslash"},
-        {"C:\\", "must not be the entire drive."}, {"\\\\", "must not be the entire drive."},
-        {"C:", "Name must contain a backslash"},   {"/", "must not be the entire drive."},
-        {"//", "must not be the entire drive."},   {"/tmp/..", "must not be the entire drive."},
-        {"/./", "must not be the entire drive."},  {"a/b", "must not be the entire drive."},
-        {"../b", "must not be the entire drive."}};
+        {"", "File to remove not set properly"},     {"name", "Name must contain a backslash"},
+        {"C:\\", "must not be the entire drive."},   {"\\\\", "must not be the entire drive."},
+        {"C:", "Name must contain a backslash"},     {"/", "must not be the entire drive."},
+        {"//", "must not be the entire drive."},     {"/tmp/..", "must not be the entire drive."},
+        {"/./", "must not be the entire drive."},    {"a/b", "must not be the entire drive."},
+        {"../b", "must not be the entire drive."},   {"C:\\\\", "must not be the entire drive."},
+        {"C:/./", "must not be the entire drive."},  {"C:\\a\\..", "must not be the entire drive."},
+        {"\\\\\\", "must not be the entire drive."}, {"1:\\a", "must not be the entire drive."}};
     for (const auto& [name, message] : cases) {
         lines.clear();
         EXPECT_FALSE(clear_folder(name, true)) << name;
@@ -186,6 +280,16 @@ TEST_F(Files, TreesAreCopiedAndDeleted) {
     EXPECT_TRUE(delete_folder_tree(path("from")));
     EXPECT_FALSE(folder_exists(path("from")));
     EXPECT_FALSE(copy_folder(path("from"), path("again")));
+    put("to/deep/sub/a", "old"), put("to/deep/b", "other");
+    fs::create_directories(folder / "from/sub");
+    put("from/sub/a", "content");
+    EXPECT_TRUE(copy_folder(path("from"), path("to/deep")));
+    EXPECT_EQ(get("to/deep/sub/a"), "content");
+    EXPECT_EQ(get("to/deep/b"), "other") << "what stands there and is not replaced stays";
+    EXPECT_FALSE(copy_folder(path("from"), path("from/sub/inner"))) << "it would have no end";
+    EXPECT_FALSE(copy_folder(path("from") + "/", path("from/../from")));
+    EXPECT_FALSE(folder_exists(path("from/sub/inner")));
+    EXPECT_TRUE(copy_folder(path("from"), path("from2"))) << "a longer name is no folder in it";
 }
 
 TEST_F(Files, MaterialNamesAsFileStems) {
@@ -229,5 +333,23 @@ TEST_F(Files, OneFolderReplacesTheUsersFolders) {
         EXPECT_TRUE(folder_exists(place)) << place;
     }
     EXPECT_TRUE(get_temporary_directory().ends_with("/"));
+    fs::create_directories(folder / "home/documents");
+    EXPECT_EQ(get_documents_folder(), path("home/documents"));
+    ::setenv("QORVANE_HOME", "/dev/null", 1);
+    EXPECT_EQ(get_temporary_directory(), "/tmp/");
+    EXPECT_EQ(traced(1, "Cannot create temporary folder: /dev/null/tmp"), 1);
+    EXPECT_EQ(get_application_data_folder(), "");
+    EXPECT_EQ(get_documents_folder(), "/tmp/") << "the last that stands in";
     ::unsetenv("QORVANE_HOME");
+}
+
+TEST_F(Files, TemporaryFolderIsMade) {
+    const char* before = std::getenv("TMPDIR");
+    const std::string kept = before != nullptr ? before : "";
+    ::setenv("TMPDIR", path("made/here").c_str(), 1);
+    EXPECT_EQ(get_temporary_directory(), path("made/here") + "/");
+    EXPECT_TRUE(folder_exists(path("made/here")));
+    ::setenv("TMPDIR", (path("made") + "/").c_str(), 1);
+    EXPECT_EQ(get_temporary_directory(), path("made") + "/");
+    kept.empty() ? ::unsetenv("TMPDIR") : ::setenv("TMPDIR", kept.c_str(), 1);
 }

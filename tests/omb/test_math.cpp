@@ -21,7 +21,13 @@ TEST_F(MathTest, ToleranceIsRelativeForLargeNumbers) {
     EXPECT_TRUE(number_equal(0, 0.9e-7));
     EXPECT_FALSE(number_equal(0, 1.1e-7));
     EXPECT_FALSE(number_equal(1000000.0, 1000000.011));
+    EXPECT_FALSE(number_equal(1000000.0, 1000000.01)) << "the bound itself";
+    EXPECT_FALSE(fpt_equal({1000000.01, 0, 0}, {1000000.0, 0, 0}));
     EXPECT_TRUE(number_equal(1000000.0, 1000000.009));
+    EXPECT_TRUE(number_equal(-1000000.009, -1000000.0));
+    EXPECT_TRUE(number_equal(100, 105.1, 0.5)) << "a tenth of the tolerance, of the larger";
+    EXPECT_FALSE(number_equal(100, 105.4, 0.5));
+    EXPECT_FALSE(number_equal(0.05, -0.06)) << "small numbers have the absolute bound only";
     EXPECT_FALSE(fpt_equal({0, 0, 0}, {0, 0, 1e-6}));
     EXPECT_FALSE(number_equal(std::nan(""), std::nan("")));
 }
@@ -48,6 +54,19 @@ TEST_F(MathTest, FramesFromVectors) {
     cl_matrix inverse;
     ASSERT_TRUE(inverse.create_from_vectors_inverse(fpt{1, 2, 3}, fpt{0, 5, 0}, fpt{-1, 7, 0}));
     expect_near(inverse.transform_point(m.transform_point({7, -8, 9})), {7, -8, 9});
+    // Axes stand in the columns of the frame and in the rows of its inverse; floats are widened.
+    const fpt32 x{3, 0, 0}, y{1, 0, 2};
+    ASSERT_TRUE(m.create_from_vectors(fpt32{1, 2, 3}, x, y));
+    ASSERT_TRUE(inverse.create_from_vectors_inverse(fpt32{1, 2, 3}, x, y));
+    const double axes[3][3] = {{1, 0, 0}, {0, 0, 1}, {0, -1, 0}};
+    for (int axis = 0; axis < 3; ++axis) {
+        for (int i = 0; i < 3; ++i) {
+            EXPECT_EQ(m.at(i, axis), axes[axis][i]);
+            EXPECT_EQ(inverse.at(axis, i), axes[axis][i]);
+        }
+    }
+    EXPECT_EQ(m.at(2, 3), 3);
+    EXPECT_EQ(m.at(3, 3), 1);
 }
 
 TEST_F(MathTest, FramesThatCannotBe) {
@@ -65,6 +84,8 @@ TEST_F(MathTest, FramesThatCannotBe) {
     EXPECT_FALSE(m.create_from_vectors_inverse(fpt{}, fpt{1, 0, 0}, fpt{2, 0, 0}));
     EXPECT_EQ(traced(1, "Could not create normal"), 1);
     EXPECT_EQ(m, before);
+    EXPECT_FALSE(m.create_from_vectors(fpt{}, fpt{}, fpt{0, 1, 0}, 0));
+    EXPECT_EQ(traced(0, "Cannot create matrix: X vector was empty"), 1) << "at the level asked for";
 }
 
 TEST_F(MathTest, InverseOfRandomTransforms) {
@@ -97,11 +118,14 @@ TEST_F(MathTest, TurningAboutANormal) {
     expect_near(rotz_around_normal({0, 0, -2}, quarter, {0, 0, 1}), {0, 0, -1});
     EXPECT_EQ(rotz_around_normal({0, 0, 2}, quarter, {0, 0, 1}), (fpt{0, 0, 2}));
     EXPECT_EQ(traced(1, "Cannot rotate vector around normal, pvec ~= pnormal."), 1);
+    EXPECT_EQ(rotz_around_normal({1, 2, 3}, quarter, {0, 0, 0}), (fpt{1, 2, 3}));
+    EXPECT_EQ(rotz_around_normal({1e-9, 0, 1}, quarter, {0, 0, 3}), (fpt{1e-9, 0, 1}))
+        << "equal by the tolerance is parallel";
 }
 
 TEST_F(MathTest, MatrixTexts) {
     const cl_matrix m = cl_matrix::translation({1.5, -2, 1e6});
-    EXPECT_EQ(m.to_text(), "\t1 0 0 1.5\n\t0 1 0 -2\n\t0 0 1 1e+06\n\t0 0 0 1\n");
+    EXPECT_EQ(m.to_text(), "\t1 0 0 1.5\n\t0 1 0 -2\n\t0 0 1 1e+06\n\t0 0 0 1");
     cl_matrix read;
     EXPECT_TRUE(read.from_text("[(1, 0, 0, 1.5), (0, 1, 0, -2), (0, 0, 1, 1e6), (0, 0, 0, 1)]"));
     EXPECT_TRUE(read.from_text(m.to_text()));

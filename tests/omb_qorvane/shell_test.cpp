@@ -1,6 +1,7 @@
 // Commands, the green button, and the functions for other programs.
 #include "extraction_fixture.h"
 
+#include "omb/base/folders.h"
 #include "omb/base/message_box.h"
 #include "omb/globals/globals.h"
 #include "omb_qorvane/plain_functions.h"

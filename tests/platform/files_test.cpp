@@ -1,9 +1,14 @@
 #include "platform/files.h"
 
+#include "platform/file_io.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <fstream>
+#include <vector>
+
+#include <sys/stat.h>
 
 namespace fs = std::filesystem;
 using namespace platform;
@@ -102,6 +107,49 @@ TEST_F(FilesTest, OneVariableReplacesAllUserFolders) {
     setenv("XDG_DATA_HOME", (folder_ / "xdg").c_str(), 1);
     EXPECT_EQ(data_folder(), folder_ / "xdg");
     unsetenv("XDG_DATA_HOME");
+}
+
+TEST_F(FilesTest, DocumentsAndTemporariesByTheirOrder) {
+    const std::string home = environment("HOME"), tmp = environment("TMPDIR");
+    setenv("HOME", folder_.c_str(), 1);
+    setenv("XDG_CONFIG_HOME", (folder_ / "config").c_str(), 1);
+    EXPECT_EQ(documents_folder(), folder_ / "Documents");
+    fs::create_directories(folder_ / "config");
+    const auto choose = [&](const std::string& text) {
+        std::ofstream(folder_ / "config" / "user-dirs.dirs") << text;
+        return documents_folder();
+    };
+    EXPECT_EQ(choose("# x\nXDG_MUSIC_DIR=\"/m\"\nXDG_DOCUMENTS_DIR=\"$HOME/Dokumente\"\n"),
+              folder_ / "Dokumente");
+    EXPECT_EQ(choose("XDG_DOCUMENTS_DIR=\"/data/my docs\"  \n"), "/data/my docs");
+    EXPECT_EQ(choose("XDG_DOCUMENTS_DIR=\"relative\"\nXDG_DOCUMENTS_DIR=\"\nXDG_DOCUMENTS_DIR="),
+              folder_ / "Documents");
+    setenv("XDG_DOCUMENTS_DIR", "/env", 1);
+    EXPECT_EQ(choose("XDG_DOCUMENTS_DIR=\"/file\"\n"), "/env");
+    unsetenv("XDG_DOCUMENTS_DIR");
+    unsetenv("XDG_CONFIG_HOME");
+
+    setenv("TEMP", "/from/temp", 1);
+    setenv("TMPDIR", "/from/tmpdir", 1);
+    EXPECT_EQ(temporary_folder(), "/from/tmpdir");
+    setenv("TMPDIR", "relative", 1);
+    EXPECT_EQ(temporary_folder(), "/from/temp");
+    unsetenv("TEMP");
+    EXPECT_EQ(temporary_folder(), "/tmp");
+    setenv("HOME", home.c_str(), 1);
+    tmp.empty() ? unsetenv("TMPDIR") : setenv("TMPDIR", tmp.c_str(), 1);
+}
+
+TEST_F(FilesTest, WhetherAFileCanBeWrittenIsFoundOutWithoutATrace) {
+    std::ofstream(folder_ / "there") << "content";
+    EXPECT_TRUE(can_write_file(folder_ / "there"));
+    EXPECT_EQ(text_of(folder_ / "there"), "content");
+    EXPECT_TRUE(can_write_file(folder_ / "new"));
+    EXPECT_FALSE(fs::exists(folder_ / "new"));
+    EXPECT_FALSE(can_write_file(folder_));
+    EXPECT_FALSE(can_write_file(folder_ / "no" / "such"));
+    ASSERT_EQ(mkfifo((folder_ / "pipe").c_str(), 0600), 0);
+    EXPECT_FALSE(can_write_file(folder_ / "pipe")) << "a pipe that nobody reads must not block";
 }
 
 TEST(Names, ProgramNamesLoseTheForeignEnding) {

@@ -5,15 +5,13 @@
 #include "omb/base/message_box.h"
 #include "omb/base/text.h"
 #include "omb/base/trace.h"
+#include "platform/file_io.h"
 #include "platform/files.h"
+#include "platform/process.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
-#include <fcntl.h>
 #include <filesystem>
-#include <sys/stat.h>
-#include <unistd.h>
 
 // ---- reading ----
 
@@ -29,42 +27,12 @@ bool read_whole_file(const std::string& path, std::string& content, std::uint64_
 bool cl_input_file::open(const std::string& path, std::uint64_t limit) {
     close();
     name = path;
-    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    struct stat facts {};
-    if (descriptor < 0 || fstat(descriptor, &facts) != 0) {
-        error = path + ": " + platform::system_error_text(errno);
-    } else if (S_ISDIR(facts.st_mode)) {
-        error = path + ": is a folder";
-    } else {
-        error = read_all(descriptor, limit) ? "" : path + ": " + error;
-        opened = error.empty();
-    }
-    if (descriptor >= 0) {
-        ::close(descriptor);
+    std::string why;
+    opened = platform::read_file(path, limit, content, why);
+    if (!opened) {
+        error = path + ": " + why;
     }
     return opened;
-}
-
-/// Reads to the end of the file, so that pipes work and a growing file stays within the limit.
-bool cl_input_file::read_all(int descriptor, std::uint64_t limit) {
-    constexpr std::size_t step = std::size_t{1} << 20;
-    for (;;) {
-        const std::size_t used = content.size();
-        content.resize(used + step);
-        const ssize_t got = ::read(descriptor, content.data() + used, step);
-        content.resize(used + static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
-        if (got < 0 && errno != EINTR) {
-            error = platform::system_error_text(errno);
-        } else if (content.size() > limit) {
-            error = fmt::sprintf("is larger than %d bytes", limit);
-        } else if (got != 0) {
-            continue;
-        } else {
-            return true;
-        }
-        content.clear();
-        return false;
-    }
 }
 
 bool cl_input_file::open_binary(const std::string& path, std::uint64_t limit) {
@@ -123,37 +91,34 @@ constexpr std::size_t largest_reserve = std::size_t{64} << 10;
 } // namespace
 
 struct cl_output_file::body {
+    bool durable = true;
     std::string name, temporary, error;
     std::unique_ptr<char[]> buffer;
     std::size_t used = 0;
-    int descriptor = -1;
+    platform::OutputHandle file;
 
-    void fail(int code) {
+    void fail(const std::string& why) {
         if (error.empty()) {
-            error = name + ": " + platform::system_error_text(code);
+            error = name + ": " + why;
         }
     }
-    void put(const char* bytes, std::size_t size) {
-        while (size > 0 && error.empty()) {
-            const ssize_t written = ::write(descriptor, bytes, size);
-            if (written < 0 && errno != EINTR) {
-                fail(errno);
-            } else if (written > 0) {
-                bytes += written;
-                size -= static_cast<std::size_t>(written);
-            }
+    void put(std::string_view bytes) {
+        std::string why;
+        if (error.empty() && !file.write(bytes, why)) {
+            fail(why);
         }
     }
     void flush() {
-        put(buffer.get(), used);
+        put({buffer.get(), used});
         used = 0;
     }
-    bool open(const std::string& path, const std::string& real_path, int flags) {
+    bool open(const std::string& path, const std::string& real_path,
+              platform::OutputHandle::Mode mode) {
         name = path;
         error.clear();
-        descriptor = ::open(real_path.c_str(), flags | O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
-        if (descriptor < 0) {
-            fail(errno);
+        std::string why;
+        if (!file.open(real_path, mode, why)) {
+            fail(why);
             return false;
         }
         if (!buffer) {
@@ -182,22 +147,23 @@ cl_output_file& cl_output_file::operator=(cl_output_file&& other) noexcept {
 bool cl_output_file::open(const std::string& path) {
     close();
     data->temporary.clear();
-    return data->open(path, path, O_TRUNC);
+    return data->open(path, path, platform::OutputHandle::Mode::overwrite);
 }
 
 bool cl_output_file::open_for_append(const std::string& path) {
     close();
     data->temporary.clear();
-    return data->open(path, path, O_APPEND);
+    return data->open(path, path, platform::OutputHandle::Mode::append);
 }
 
-bool cl_output_file::open_atomic(const std::string& path) {
+bool cl_output_file::open_atomic(const std::string& path, bool durable) {
     close();
-    data->temporary = path + fmt::sprintf(".tmp%d", getpid());
-    return data->open(path, data->temporary, O_TRUNC);
+    data->durable = durable;
+    data->temporary = path + fmt::sprintf(".tmp%d", platform::own_process_id());
+    return data->open(path, data->temporary, platform::OutputHandle::Mode::overwrite);
 }
 
-bool cl_output_file::is_open() const { return data->descriptor >= 0; }
+bool cl_output_file::is_open() const { return data->file.is_open(); }
 const std::string& cl_output_file::file_name() const { return data->name; }
 bool cl_output_file::failed() const { return !data->error.empty(); }
 const std::string& cl_output_file::error_text() const { return data->error; }
@@ -209,7 +175,7 @@ void cl_output_file::write_data(std::string_view bytes) {
     if (bytes.size() > buffer_size - data->used) {
         data->flush();
         if (bytes.size() >= buffer_size) {
-            data->put(bytes.data(), bytes.size());
+            data->put(bytes);
             return;
         }
     }
@@ -243,17 +209,17 @@ bool cl_output_file::close() {
         return !failed();
     }
     data->flush();
-    if (::close(data->descriptor) != 0) {
-        data->fail(errno);
+    std::string why;
+    if (!data->file.close(why)) {
+        data->fail(why);
     }
-    data->descriptor = -1;
     if (!data->temporary.empty()) {
-        std::string why;
-        if (data->error.empty() && !platform::sync_and_rename(data->temporary, data->name, why)) {
-            data->error = data->name + ": " + why;
+        const auto rename = data->durable ? platform::sync_and_rename : platform::rename_over;
+        if (data->error.empty() && !rename(data->temporary, data->name, why)) {
+            data->fail(why);
         }
         if (!data->error.empty()) {
-            ::unlink(data->temporary.c_str());
+            platform::remove_file(data->temporary);
         }
     }
     return !failed();
@@ -269,86 +235,119 @@ bool write_whole_file(const std::string& path, std::string_view content, std::st
     return error.empty();
 }
 
-// ---- fields and names ----
+// ---- fields ----
 
 namespace {
 
-/// What stands behind an escape mark: a character to keep, or nothing for a bad one.
-void append_escaped(std::string& field, char c, const std::string& line) {
-    switch (c) {
+/// A line in a message is cut here, so that a broken file of one long line stays readable.
+constexpr std::size_t longest_told = 1000;
+
+/// Appends what the character behind an escape mark stands for and returns its size in bytes. A
+/// bad one is told and kept.
+std::size_t append_escaped(std::string& field, std::string_view behind, std::string_view line) {
+    switch (behind.front()) {
     case '"':
         field += '"';
-        return;
+        return 1;
     case 'r':
         field += '\r';
-        return;
+        return 1;
     case 'n':
         field += '\n';
-        return;
+        return 1;
     default:
-        OMB_TRACE(1, "Bad \\ escape character: %d %c (%s)", static_cast<int>(c), c, line);
-        field += c;
+        const std::string_view character = omb::first_character(behind);
+        OMB_TRACE(1, "Bad \\ escape character: %d %s (%s)",
+                  static_cast<int>(omb::to_utf16(character).front()), character,
+                  line.substr(0, longest_told));
+        field += character;
+        return character.size();
     }
 }
 
 } // namespace
 
-std::string read_field_csv(std::string& line, char separator) {
+std::string read_field_csv(std::string_view& line, char separator) {
     std::string field;
     bool quoted = false;
     std::size_t at = 0;
-    for (; at < line.size(); ++at) {
-        const char c = line[at];
+    while (at < line.size()) {
+        const char c = line[at++];
         if (c == '\n' || (c == separator && !quoted)) {
-            ++at;
             break;
         }
         if (c != '"') {
             field += c;
-        } else if (at == 0) {
+        } else if (at == 1) {
             quoted = true;
-        } else {
+        } else if (at == line.size()) {
+            break;
+        } else if (line[at] == separator || line[at] == '\n') {
             ++at;
-            if (at >= line.size() || line[at] == separator || line[at] == '\n') {
-                ++at;
-                break;
-            }
-            append_escaped(field, line[at], line);
+            break;
+        } else {
+            at += append_escaped(field, line.substr(at), line);
         }
     }
-    line.erase(0, std::min(at, line.size()));
+    line.remove_prefix(at);
     return std::string(omb::trim(field));
 }
 
-namespace {
-
-/// Whether the file can be written, found out without changing it.
-bool can_write(const std::string& path) {
-    const bool existed = ::access(path.c_str(), F_OK) == 0;
-    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
-    if (descriptor < 0) {
-        return false;
-    }
-    ::close(descriptor);
-    if (!existed) {
-        ::unlink(path.c_str());
-    }
-    return true;
+std::string read_field_csv(std::string& line, char separator) {
+    std::string_view rest = line;
+    std::string field = read_field_csv(rest, separator);
+    line.erase(0, line.size() - rest.size());
+    return field;
 }
 
-} // namespace
+std::string cl_input_file::read_field_csv(std::string& line, char separator) {
+    return ::read_field_csv(line, separator);
+}
 
-bool check_file_for_write(const std::string& path, const std::string& what, bool confirm) {
+std::string field_csv(std::string_view field, char separator, bool always_quoted) {
+    const char special[] = {separator, '"', '\r', '\n'};
+    const bool quoted = always_quoted || field.starts_with(' ') || field.ends_with(' ') ||
+                        field.find_first_of({special, sizeof special}) != field.npos;
+    if (!quoted) {
+        return std::string(field);
+    }
+    std::string text = "\"";
+    for (const char c : field) {
+        switch (c) {
+        case '"':
+            text += "\"\"";
+            break;
+        case '\r':
+            text += "\"r";
+            break;
+        case '\n':
+            text += "\"n";
+            break;
+        default:
+            text += c;
+        }
+    }
+    return text + '"';
+}
+
+void cl_output_file::write_field_csv(std::string_view field, char separator, bool always_quoted) {
+    write_data(field_csv(field, separator, always_quoted) + separator);
+}
+
+// ---- names ----
+
+bool check_file_for_write(const std::string& path, const std::string& what, bool confirm,
+                          file_write_mode mode) {
     constexpr unsigned question = message_box::ok_cancel | message_box::icon_question;
     constexpr unsigned retry = message_box::ok_cancel | message_box::icon_error;
-    if (confirm && file_exists(path) &&
+    if (confirm && mode == file_write_mode::overwrite && file_exists(path) &&
         do_message_box(fmt::sprintf("File %s already exists. OK to Overwrite?", path),
                        fmt::sprintf("%s file exists", what), question) != message_box::id_ok) {
         return false;
     }
     std::string text = fmt::sprintf("Cannot create %s file", what) + "\n\n" + path +
                        "\n\nTry closing the program using it and click OK to retry.";
-    while (!can_write(path)) {
+    while (!platform::can_write_file(path)) {
         OMB_TRACE(1, "Cannot write to %s file: %s", what, path);
         if (do_message_box(text, fmt::sprintf("Cannot create %s file", what), retry) !=
             message_box::id_ok) {
@@ -360,15 +359,14 @@ bool check_file_for_write(const std::string& path, const std::string& what, bool
     return true;
 }
 
-std::string get_unique_name_for_file(const std::string& path) {
-    constexpr int most = 100000;
+std::string get_unique_name_for_file(const std::string& path, int most) {
     const std::string extension = path_extension(path);
     const std::string tail = extension.empty() ? "" : "." + extension;
     const std::string stem = path.substr(0, path.size() - tail.size());
     for (int i = 1; i <= most; ++i) {
         std::string candidate = fmt::sprintf("%s_%d%s", stem, i, tail);
-        std::error_code ignored;
-        if (!std::filesystem::exists(candidate, ignored)) {
+        std::error_code ignored; // a link to nowhere has its name, too
+        if (!std::filesystem::exists(std::filesystem::symlink_status(candidate, ignored))) {
             return candidate;
         }
     }

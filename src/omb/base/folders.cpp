@@ -60,6 +60,14 @@ std::string path_stem(std::string_view path) {
     return at == name.npos || at == 0 ? name : name.substr(0, at);
 }
 
+std::string sibling_folder(const std::string& program_folder, const std::string& name) {
+    static constexpr std::string_view bin = "omb_bin";
+    if (!omb::ends_with_no_case(program_folder, bin)) {
+        return program_folder;
+    }
+    return program_folder.substr(0, program_folder.size() - bin.size()) + name;
+}
+
 std::string native_separators(std::string_view path) { return omb::replace_all(path, "\\", "/"); }
 
 // ---- clearing, deleting, copying ----
@@ -68,14 +76,21 @@ namespace {
 
 bool is_letter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
+/// Where the names of a full Windows path begin, behind X:\ or \\; 0 for another form.
+std::size_t windows_names_begin(std::string_view folder) {
+    if (folder.size() > 2 && is_letter(folder[0]) && folder[1] == ':' &&
+        (folder[2] == '\\' || folder[2] == '/')) {
+        return 3;
+    }
+    return folder.starts_with("\\\\") ? 2 : 0;
+}
+
 /// X:\name, \\name, or an absolute path with at least one name below the root.
 bool has_safe_form(const std::string& folder) {
-    if (folder.size() > 3 && is_letter(folder[0]) && folder[1] == ':' &&
-        (folder[2] == '\\' || folder[2] == '/')) {
-        return true;
-    }
-    if (folder.size() > 2 && folder.starts_with("\\\\")) {
-        return true;
+    if (const std::size_t begin = windows_names_begin(folder); begin > 0) {
+        // More separators are still the whole drive, and a step up may lead to it.
+        const std::string names = "/" + native_separators(folder.substr(begin)) + "/";
+        return names.find_first_not_of("/.") != names.npos && names.find("/../") == names.npos;
     }
     const fs::path path = fs::path(folder).lexically_normal();
     const fs::path below = path.relative_path();
@@ -154,7 +169,25 @@ bool delete_folder_tree(const std::string& folder) {
     return !fs::exists(folder, ignored) || delete_tree(folder);
 }
 
+namespace {
+
+/// Whether `inner` is `outer` or lies below it; neither need exist.
+bool is_within(const fs::path& inner, const fs::path& outer) {
+    const auto full = [](const fs::path& path) {
+        std::error_code error;
+        std::string text = fs::weakly_canonical(fs::absolute(path, error), error).string();
+        return text.ends_with('/') ? text : text + "/";
+    };
+    return full(inner).starts_with(full(outer));
+}
+
+} // namespace
+
 bool copy_folder(const std::string& from, const std::string& to) {
+    if (is_within(to, from)) {
+        OMB_TRACE(1, "Cannot copy folder: %s to %s (it would copy itself)", from, to);
+        return false;
+    }
     std::error_code error;
     fs::create_directories(to, error);
     fs::copy(from, to,

@@ -17,6 +17,9 @@ std::string path_name(std::string_view path);
 std::string path_stem(std::string_view path);
 std::string path_extension(std::string_view path);
 std::string path_folder(std::string_view path);
+/// The folder beside a program folder: when that is "omb_bin" (the last seven characters, compared
+/// without case), its place is taken by `name`; otherwise the program folder stands for it.
+std::string sibling_folder(const std::string& program_folder, const std::string& name);
 /// Contract files hold relative names like ".\Materials\a.csv": back-slashes become the platform's.
 std::string native_separators(std::string_view path);
 
@@ -30,10 +33,12 @@ bool clear_folder(const std::string& folder, bool recursive, std::string_view su
 /// at the first that will not go. A link is removed, not followed.
 bool delete_folder_tree(const std::string& folder);
 
-/// Copies a folder's content into another, which is made. False at the first failure.
+/// Copies a folder's content into another, which is made and does not lie in it; files that stand
+/// there are replaced. False, with a trace, at the first failure.
 bool copy_folder(const std::string& from, const std::string& to);
 
-/// The temporary folder, made if missing, ending in a separator.
+/// The temporary folder ($TMPDIR, $TEMP or /tmp), made if missing, ending in a separator. When it
+/// cannot be made that is traced, and /tmp stands in.
 std::string get_temporary_directory();
 
 /// The user's folders, made if missing; "" when that fails. `QORVANE_HOME` replaces all of them.
@@ -41,7 +46,8 @@ std::string get_application_data_folder(); ///< $XDG_DATA_HOME or ~/.local/share
 std::string get_settings_folder();         ///< $XDG_CONFIG_HOME/qorvane or ~/.config/qorvane
 std::string settings_folder_path();        ///< the same, which need not be there
 std::string get_state_folder();            ///< $XDG_STATE_HOME/qorvane or ~/.local/state/qorvane
-/// Documents; falls back on application data, then on the temporary folder.
+/// Documents (see platform::documents_folder); falls back on application data, then on the
+/// temporary folder.
 std::string get_documents_folder();
 
 /// A material name as a file stem: characters (UTF-16 code units) other than a-z, A-Z, 0-9, "-",

@@ -32,6 +32,12 @@ inline fpt operator-(const fpt& a) { return {-a.x, -a.y, -a.z}; }
 inline fpt operator*(const fpt& a, double s) { return {a.x * s, a.y * s, a.z * s}; }
 inline fpt operator*(double s, const fpt& a) { return a * s; }
 
+inline fpt32 operator+(const fpt32& a, const fpt32& b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
+inline fpt32 operator-(const fpt32& a, const fpt32& b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
+inline fpt32 operator-(const fpt32& a) { return {-a.x, -a.y, -a.z}; }
+inline fpt32 operator*(const fpt32& a, float s) { return {a.x * s, a.y * s, a.z * s}; }
+inline fpt32 operator*(float s, const fpt32& a) { return a * s; }
+
 inline fpt widen(const fpt32& p) { return {p.x, p.y, p.z}; }
 inline fpt32 narrow(const fpt& p) {
     return {static_cast<float>(p.x), static_cast<float>(p.y), static_cast<float>(p.z)};
@@ -45,7 +51,9 @@ inline fpt32 cross(const fpt32& a, const fpt32& b) {
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
 
-/// True when |a - b| is below `tolerance`, or below the larger magnitude * tolerance * 0.1.
+/// True when |a - b| is below `tolerance`, or below the larger magnitude * tolerance * 0.1. The
+/// second bound itself is outside, and so are 1000000.0 and 1000000.01 at 1e-7, whose difference
+/// in decimals is the bound of the smaller one.
 bool number_equal(double a, double b, double tolerance = tol);
 
 /// True when all three coordinates are equal by `number_equal`.

@@ -74,6 +74,11 @@ bool cl_matrix::create_from_vectors_inverse(const fpt& origin, const fpt& x, con
     return true;
 }
 
+bool cl_matrix::create_from_vectors_inverse(const fpt32& origin, const fpt32& x, const fpt32& y,
+                                            int report_level) {
+    return create_from_vectors_inverse(widen(origin), widen(x), widen(y), report_level);
+}
+
 cl_matrix cl_matrix::translation(const fpt& offset) {
     cl_matrix result;
     result.at(0, 3) = offset.x, result.at(1, 3) = offset.y, result.at(2, 3) = offset.z;
@@ -182,8 +187,8 @@ fpt cl_matrix::transform_vector(const fpt& v) const {
 std::string cl_matrix::to_text() const {
     std::string text;
     for (int row = 0; row < 4; ++row) {
-        text +=
-            fmt::sprintf("\t%.4g %.4g %.4g %.4g\n", at(row, 0), at(row, 1), at(row, 2), at(row, 3));
+        text += fmt::sprintf("%s\t%.4g %.4g %.4g %.4g", row > 0 ? "\n" : "", at(row, 0), at(row, 1),
+                             at(row, 2), at(row, 3));
     }
     return text;
 }

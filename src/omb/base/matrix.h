@@ -25,6 +25,8 @@ public:
     /// The inverse of that frame's transform: world to frame.
     bool create_from_vectors_inverse(const fpt& origin, const fpt& x, const fpt& y,
                                      int report_level = 1);
+    bool create_from_vectors_inverse(const fpt32& origin, const fpt32& x, const fpt32& y,
+                                     int report_level = 1);
 
     static cl_matrix translation(const fpt& offset);
     static cl_matrix scaling(const fpt& factors);
@@ -40,7 +42,7 @@ public:
     fpt transform_point(const fpt& p) const;  ///< with the fourth column
     fpt transform_vector(const fpt& v) const; ///< without it
 
-    /// "\t%.4g %.4g %.4g %.4g\n" four times.
+    /// Four rows "\t%.4g %.4g %.4g %.4g" with line feeds between them.
     std::string to_text() const;
     /// Reads 16 numbers after dropping brackets and commas. False, unchanged, when fewer stand
     /// there.

@@ -243,6 +243,12 @@ void append_code_point(std::string& out, char32_t code) {
 
 } // namespace
 
+std::string_view first_character(std::string_view text) {
+    std::string_view rest = text;
+    take_code_point(rest);
+    return text.substr(0, text.size() - rest.size());
+}
+
 std::u16string to_utf16(std::string_view text) {
     std::u16string result;
     result.reserve(text.size());

@@ -48,6 +48,9 @@ double parse_double(std::string_view text);
 /// False, and nothing removed, when there is none.
 bool take_double(std::string_view& text, double& value);
 
+/// The bytes of the first UTF-8 character of `text` (not empty); one byte when they are none.
+std::string_view first_character(std::string_view text);
+
 /// UTF-8 to UTF-16 code units and back. Bytes that are no UTF-8 become U+FFFD; lone surrogates
 /// too.
 std::u16string to_utf16(std::string_view text);

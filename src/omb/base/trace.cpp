@@ -106,7 +106,9 @@ void cl_trace::do_error_out(const std::string& message) const {
 void cl_trace::pass_on() {
     const bool error = level >= 2 && level <= 8;
     try {
-        if (trace_settings().error_list && !(level == 10 && error_is_being_shown())) {
+        // What is of use to developers only is listed while they look on.
+        const bool listed = level == 4 ? wanted(0) : !(level == 10 && error_is_being_shown());
+        if (trace_settings().error_list && listed) {
             add_to_error_list(text);
         }
         const bool log_in_use = trace_settings().use_debug_file && debug_file_is_open();

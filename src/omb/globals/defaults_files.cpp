@@ -50,7 +50,7 @@ std::string get_defaults_folder() {
 std::string get_user_defaults_file() { return join_path(get_defaults_folder(), "defaults.usr"); }
 
 bool save_user_defaults() {
-    if (!write_option_globals_to_settings_file(get_user_defaults_file())) {
+    if (!write_option_globals_to_settings_file(get_user_defaults_file(), true)) {
         return false;
     }
     do_message_box("User defaults saved", defaults_file_title);
@@ -75,7 +75,7 @@ std::string get_proposed_defaults_file() {
 
 bool save_defaults_file(const std::string& path) {
     set_global_string(last_file, path, SAVE_PROFILE);
-    return write_option_globals_to_settings_file(path);
+    return write_option_globals_to_settings_file(path, true);
 }
 
 bool load_defaults_file(const std::string& path) {

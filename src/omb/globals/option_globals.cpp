@@ -65,13 +65,13 @@ void write_option_globals_to_open_file(cl_output_file& file) {
     file.write_data(option_globals_text());
 }
 
-bool write_option_globals_to_settings_file(const std::string& path) {
+bool write_option_globals_to_settings_file(const std::string& path, bool durable) {
     if (path.empty()) {
         OMB_TRACE(1, "Cannot write option globals. File name not set");
         return false;
     }
     cl_output_file file;
-    if (file.open_atomic(path)) {
+    if (file.open_atomic(path, durable)) {
         write_option_globals_to_open_file(file);
     }
     if (!file.close()) {

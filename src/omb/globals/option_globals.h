@@ -9,9 +9,9 @@
 /// Largest file that is read, in bytes.
 inline constexpr std::uint64_t option_globals_limit = std::uint64_t{64} << 20;
 
-/// Writes the file under a temporary name and renames it. An empty path is traced. False when
-/// nothing, or not all, was written.
-bool write_option_globals_to_settings_file(const std::string& path);
+/// Writes the file under a temporary name and renames it, synced to the disk when it is to be
+/// `durable`. An empty path is traced. False when nothing, or not all, was written.
+bool write_option_globals_to_settings_file(const std::string& path, bool durable = false);
 void write_option_globals_to_open_file(cl_output_file& file);
 
 /// Reads the file; nothing happens when the path is empty or the file missing. When a value
