@@ -158,7 +158,7 @@ bool cl_ini_text::parse(std::string_view bytes) {
         const std::size_t end = std::min(bytes.find('\n'), bytes.size());
         std::string_view raw = bytes.substr(0, end);
         bytes.remove_prefix(std::min(end + 1, bytes.size()));
-        if (raw.ends_with('\r')) {
+        while (raw.ends_with('\r')) {
             raw.remove_suffix(1);
         }
         add_line(raw);
