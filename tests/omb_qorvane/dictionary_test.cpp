@@ -8,7 +8,6 @@
 #include "omb/globals/globals.h"
 #include "omb_qorvane/dictionary.h"
 
-
 namespace {
 
 using testing::HasSubstr;
