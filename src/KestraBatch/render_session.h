@@ -1,0 +1,79 @@
+// A render that runs on a thread of its own while somebody looks on: the batch process's window,
+// or its loop without one. All public functions may be called from the owner's thread at any time.
+#pragma once
+
+#include "KestraBatch/batch_folder.h"
+#include "KestraBatch/progress.h"
+#include "KestraBatch/render_job.h"
+#include "renderer/light_channels.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace KestraBatch {
+
+enum class SessionState { reading, building, rendering, paused, finished, stopped, failed };
+
+struct SessionStatus {
+    SessionState state = SessionState::reading;
+    int pass = 0, passes = 0;                     ///< finished, and asked for
+    double fraction = 0;                          ///< of the render, 0 to 1
+    double elapsed_seconds = 0, eta_seconds = -1; ///< pauses not counted; negative: not known yet
+    std::uint64_t picture = 0; ///< raised whenever there is a newer picture to take
+    std::string problem;       ///< why it failed, in words
+    std::vector<Warning> warnings;
+};
+
+/// A part of the picture in pixels from the top left; empty when the width is 0.
+struct PictureRegion {
+    int x = 0, y = 0, width = 0, height = 0;
+};
+
+class RenderSession {
+public:
+    /// Starts nothing yet. `program_version` and `threads` as in BatchRun.
+    RenderSession(std::filesystem::path params_file, std::string program_version, int threads);
+    ~RenderSession(); ///< stops and waits
+
+    /// Reads the folder and renders on the session's thread. Again after an end: from the start,
+    /// with the folder read anew.
+    void start();
+    void pause(); ///< within a tile; the light so far stays
+    void resume();
+    void stop(); ///< within a tile; the picture so far stays
+    /// Renders that part first in each pass, so that it clears up sooner; an empty one: all alike.
+    /// The finished picture does not depend on it.
+    void set_region(PictureRegion region);
+    /// Adds passes to a render that has finished or is under way.
+    void add_passes(int passes);
+
+    SessionStatus status() const;
+    /// Copies the newest picture when it is newer than `known`, which is set to its number.
+    bool take_picture(std::uint64_t& known, renderer::ChannelFilm& picture) const;
+    /// Waits until the render has ended or `seconds` have passed; true when it has ended.
+    bool wait(double seconds) const;
+
+    // What the folder asked for; valid from SessionState::rendering on.
+    const RenderJob& job() const;
+    const Parameters& parameters() const;
+    const std::vector<std::string>& changed_settings() const; ///< "name; value" lines
+
+    /// Saves a picture under any name of a kind that is written: toned with `tone` and `weights`
+    /// (png, jpg), linear (hdr, exr), or `.QorImage`, which keeps the channels and the settings.
+    /// False with `error` in words; a file that stood there stays.
+    bool save(const std::filesystem::path& path, const renderer::ChannelWeights& weights,
+              const renderer::ToneSettings& tone, std::string& error) const;
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+/// Writes tone, channel weights and whatever else was changed in the window back into the folder's
+/// option_globals.txt and qor_doc.xml, from the globals of this process. False with `error`.
+bool hand_settings_back(const Parameters& params, std::string& error);
+
+} // namespace KestraBatch
