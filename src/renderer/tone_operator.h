@@ -55,8 +55,8 @@ private:
     float exponent_;
 };
 
-/// A function of 0 to 2^high by straight lines, 64 to an octave: their number is in the argument's
-/// leading bits. Below 2^low one line leads to the origin.
+/// A function of 2^low to 2^high by straight lines, 64 to an octave: their number is in the
+/// argument's leading bits. What lies outside is taken as the nearer end.
 template <int low, int high>
 class OctaveTable {
 public:
@@ -68,9 +68,7 @@ public:
                 function(std::bit_cast<float>((base + static_cast<std::uint32_t>(i)) << shift));
     }
     float operator()(float x) const {
-        if (!(x >= least))
-            return x > 0 ? values_[0] * (x / least) : 0;
-        const auto word = std::bit_cast<std::uint32_t>(std::min(x, most));
+        const auto word = std::bit_cast<std::uint32_t>(std::clamp(x, least, most));
         const float* value = &values_[(word >> shift) - base];
         const float part = static_cast<float>(word & ((1u << shift) - 1)) * (1.0f / (1u << shift));
         return value[0] + (value[1] - value[0]) * part;
@@ -93,7 +91,7 @@ public:
     float operator()(float x) const { return table_(x); }
 
 private:
-    OctaveTable<-60, 5> table_;
+    OctaveTable<-80, 5> table_;
 };
 
 /// DisplayEncoding by table. A strong exponent lifts the deepest black.
@@ -129,17 +127,16 @@ public:
     }
 
 private:
-    static float usable(float x) { return x > 0 ? std::min(x, 1e6f) : 0; } // NaN becomes 0
+    static float usable(float x) { return std::min(x > 0 ? x : 0.0f, 1e6f); } // NaN becomes 0
 
     /// About half way between a curve a channel, which bleaches highlights but turns hues, and a
     /// curve on the largest channel, which keeps hues but never reaches white.
     Rgb curve(Rgb c) const {
-        const float peak = max_component(c);
+        const float peak = std::max(c.x, std::max(c.y, c.z));
         if (peak <= 0)
             return {0, 0, 0};
         const Rgb separate{curve_(c.x), curve_(c.y), curve_(c.z)};
-        const float top = c.x == peak ? separate.x : c.y == peak ? separate.y : separate.z;
-        const Rgb together = c * (top / peak);
+        const Rgb together = c * (curve_(peak) / peak);
         return lerp(together, separate, 0.45f);
     }
 
@@ -149,14 +146,11 @@ private:
 };
 
 /// Rounds to 8 bits with half a step of noise that depends on the pixel's place only, so that skies
-/// show no bands. Black and white stay what they are.
+/// show no bands. Black and white stay what they are. `c` is 0 to 1.
 inline void quantise(Rgb c, std::size_t pixel, std::uint8_t* out) {
     const float noise = to_unit_float(hash_word(static_cast<std::uint32_t>(pixel)));
-    const auto round = [noise](float value) -> std::uint8_t {
-        const float level = value * 255;
-        if (!(level > 0) || level >= 255)
-            return level >= 255 ? 255 : 0;
-        return static_cast<std::uint8_t>(std::min(level + noise, 255.0f));
+    const auto round = [noise](float value) {
+        return static_cast<std::uint8_t>(std::min(value * 255 + noise, 255.0f));
     };
     out[0] = round(c.x);
     out[1] = round(c.y);
