@@ -41,6 +41,12 @@ Problem current_problem(const std::filesystem::path& file) {
     }
 }
 
+/// False for the part of a first pass that holds nothing yet.
+bool has_light(const renderer::Film& film) {
+    return std::any_of(film.radiance.begin(), film.radiance.end(),
+                       [](renderer::Rgb c) { return renderer::max_component(c) > 0; });
+}
+
 } // namespace
 
 struct RenderSession::Impl {
@@ -254,8 +260,9 @@ void RenderSession::Impl::take_progress(const renderer::Progress& progress) {
 }
 
 void RenderSession::Impl::publish(const renderer::Renderer::SharedPicture& newest) {
+    const bool worth_showing = newest && (newest->film.passes > 0 || has_light(newest->film));
     const std::lock_guard lock(mutex);
-    if (newest && newest != picture) {
+    if (worth_showing && newest != picture) {
         picture = newest;
         ++status.picture;
         status.pass = newest->film.passes;
