@@ -104,7 +104,7 @@ private:
             progress_.warning({"no-window", "there is no render window yet; the picture is "
                                             "rendered without one"});
         }
-        if (phase_ == phases.size()) {
+        if (status.elapsed_seconds > 0) { // there is something of the picture
             progress_.progress("rendering", status.fraction, status.pass, status.passes);
         }
     }
