@@ -1,6 +1,7 @@
 // From globals to a render job.
 #include "KestraBatch/render_job.h"
 
+#include "KestraBatch/saved_picture.h"
 #include "KestraBatch/scene_light.h"
 #include "Kestra_Qor/render_size.h"
 #include "Kestra_Qor/tone_values.h"
@@ -107,20 +108,25 @@ std::vector<std::filesystem::path> output_names(const Parameters& params, Warnin
         !get_global_bool("bks_use_auto_image", false)) {
         return {};
     }
-    if (get_global_string("sks_auto_image_name", false).empty()) {
+    // what stands for an empty name or folder here is no setting to be handed back
+    const std::string name = get_global_string("sks_auto_image_name", false);
+    const std::string folder = get_global_string("sks_auto_image_folder", false);
+    if (name.empty()) {
         const std::string stem = path_stem(params.model_name);
         set_global_string("sks_auto_image_name", stem.empty() ? "Untitled" : stem);
     }
     set_auto_image_globals(default_folder(params).string());
+    set_global_string("sks_auto_image_name", name);
+    set_global_string("sks_auto_image_folder", folder);
     std::vector<std::filesystem::path> outputs;
     for (const char* global : {"sks_auto_image_save_name", "sks_auto_image_save_name2"}) {
         const std::filesystem::path path = native_separators(get_global_string(global, false));
         if (path.empty()) {
             continue;
         }
-        if (!renderer::is_supported_image_extension(lower_extension(path))) {
+        if (!renderer::is_supported_image_extension(lower_extension(path)) && !is_qor_image(path)) {
             const std::string text = path.string() + ": pictures of this kind are not written; " +
-                                     "take png, jpg, hdr or exr";
+                                     "take png, jpg, hdr, exr or QorImage";
             if (outputs.empty()) {
                 throw ReadError(ExitCode::output_unwritable, text);
             }
@@ -157,7 +163,9 @@ std::string triple_text(const Triple& t) {
 RenderJob plan_render(const BatchFolder& folder, int threads, WarningList& warnings) {
     RenderJob job;
     job.settings = render_settings(threads, warnings);
-    job.settings.clamp = clamp_of(read_sun_sky(folder.document));
+    job.light = read_sun_sky(folder.document);
+    job.settings.clamp = clamp_of(job.light);
+    job.channels = read_channel_wishes();
     job.tone = tone_settings();
     job.image.jpeg_quality = std::clamp(get_global_int("iks_image_quality", false), 1, 100);
     job.image.dots_per_inch = std::clamp(get_global_int("iks_image_resolution", false), 1, 10000);
