@@ -10,15 +10,17 @@ namespace {
 
 using namespace start_steps;
 
-// Every start takes its code first: the folder that its steps work in belongs to the code.
+// Every start takes its code first: the folder that its steps work in belongs to the code. What a
+// start forces goes into the drawing's settings, because the extraction resets the globals in its
+// middle and reads those over them.
 constexpr auto plain_steps = std::to_array<start_step>(
     {take_code, test_view, test_selection, reset_light_numbers, reset_lights_and_images,
      read_settings, pass_about_dialog, take_units, pass_start_dialog, save_settings, show_progress,
      extract});
 constexpr auto asuni_steps = std::to_array<start_step>(
     {take_code, take_document, test_view, take_sun_from_host, reset_light_numbers,
-     reset_lights_and_images, make_settings, read_settings, pass_asuni_dialog, save_settings,
-     append_own_settings, show_progress, extract});
+     reset_lights_and_images, make_settings, read_settings, pass_asuni_dialog,
+     write_drawing_settings, save_settings, append_own_settings, show_progress, extract});
 constexpr auto delta_steps = std::to_array<start_step>(
     {take_code, take_document, reset_light_numbers, reset_lights_and_images, load_delta_defaults,
      take_background, save_settings, show_progress, extract});
@@ -28,7 +30,7 @@ constexpr auto delta_oem_steps =
 constexpr auto gbcad_steps = std::to_array<start_step>(
     {take_code, take_document, test_view, take_sun_from_host, reset_light_numbers,
      reset_lights_and_images, make_settings, read_settings, keep_about_switch, force_gbcad_globals,
-     save_settings, append_own_settings, show_progress, extract});
+     write_drawing_settings, save_settings, append_own_settings, show_progress, extract});
 constexpr auto zwcad_steps = std::to_array<start_step>(
     {take_code, take_document, test_view, take_sun_from_host, reset_light_numbers,
      reset_lights_and_images, make_light_folder, preset_settings, take_units, pass_zwcad_dialog,
