@@ -304,6 +304,13 @@ void cl_omb_export::save_options_globals_file() {
     }
 }
 
+void cl_omb_export::rewrite_options_file() {
+    save_options_globals_file();
+    if (green_button_app == GREEN_BUTTON_ASUNI || green_button_app == GREEN_BUTTON_GBCAD) {
+        append_our_options_to_globals_file();
+    }
+}
+
 void cl_omb_export::append_our_options_to_globals_file() {
     cl_output_file file;
     if (file.open_for_append(options_path(*this))) {

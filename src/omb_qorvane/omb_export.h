@@ -102,6 +102,10 @@ public:
     void read_options_globals_file();
     void save_options_globals_file();
     void append_our_options_to_globals_file();
+    /// The option file anew, with our own line for the starts that append it.
+    void rewrite_options_file();
+    /// The picture of omb_set_background, when it is there, into the globals.
+    void take_background();
 
     /// Writes to the stream while it is open.
     void write_to_batch_file(std::string_view text) { stream.text(text); }

@@ -102,14 +102,18 @@ void add_line(std::string& text, const params_line& line, const params_values& v
 } // namespace
 
 void cl_omb_export::bring_settings_up_to_date() {
-    preset_globals(1);
-    if (green_button_app != GREEN_BUTTON_DELTA) {
+    if (green_button_app == GREEN_BUTTON_DELTA) {
+        // Which options file goes with the program is no option of the picture: it stays.
+        const bool oem = get_global_bool("bqor_is_acad_oem");
+        const std::string defaults = get_global_string("sks_green_button_defaults");
+        preset_globals(1);
+        set_global_bool("bqor_is_acad_oem", oem);
+        set_global_string("sks_green_button_defaults", defaults);
+    } else {
+        preset_globals(1);
         initialize_options_globals_file();
         read_globals_from_OMB_QorvaneDictionary();
-        save_options_globals_file();
-        if (green_button_app == GREEN_BUTTON_ASUNI || green_button_app == GREEN_BUTTON_GBCAD) {
-            append_our_options_to_globals_file(); // once more: the file is a new one
-        }
+        rewrite_options_file();
     }
 }
 

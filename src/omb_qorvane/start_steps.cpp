@@ -142,11 +142,7 @@ bool load_delta_defaults(start_run&) {
 }
 
 bool take_background(start_run&) {
-    if (file_exists(exporter().background_file)) {
-        set_global_string("sqor_background_image", exporter().background_file);
-        set_global_double("rqor_background_xscale", exporter().background_xscale);
-        set_global_double("rqor_background_yscale", exporter().background_yscale);
-    }
+    exporter().take_background();
     return true;
 }
 

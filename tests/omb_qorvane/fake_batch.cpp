@@ -46,7 +46,8 @@ int main(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         call += std::string("|") + argv[i];
     }
-    note(call + "|in " + std::filesystem::current_path().filename().string());
+    std::error_code gone;
+    note(call + "|in " + std::filesystem::current_path(gone).filename().string());
     const char* given = std::getenv("FAKE_BATCH");
     const std::string order = given != nullptr ? given : "";
     if (order.starts_with("edit ")) {

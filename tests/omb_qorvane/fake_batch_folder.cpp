@@ -6,6 +6,8 @@
 #include <sstream>
 #include <thread>
 
+#include <sys/wait.h>
+
 int ScriptedWindow::message_box(const std::string& text, const std::string& title, unsigned type,
                                 cl_window_handle) {
     boxes.push_back({text, title, type});
@@ -42,6 +44,9 @@ void WithFakeBatch::SetUp() {
 }
 
 void WithFakeBatch::TearDown() {
+    while (waitpid(-1, nullptr, 0) > 0) {
+        // programs that still write their log
+    }
     acedSetMainWindow(0, {});
     acedSetUsrBrk(false);
     unsetenv("FAKE_BATCH");

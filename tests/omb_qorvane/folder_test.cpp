@@ -30,6 +30,10 @@ TEST_F(Folder, HoldsWhatTheParameterFileNames) {
     extract();
     std::map<std::string, std::string> values;
     EXPECT_THAT(checker::check_params(file("qor_render_params.txt"), values), IsEmpty());
+    EXPECT_THAT(file("qor_render_params.txt"), testing::StartsWith("#;Tessara Qor Rendering"));
+    EXPECT_EQ(values["APPLICATION_NAME"], "Qorvane for AutoCAD");
+    EXPECT_EQ(values["CALLING_APP"], "QRAC");
+    EXPECT_EQ(values["VERSION"], "GreenButton");
     EXPECT_EQ(values["MODEL_NAME"], "house.dxf");
     EXPECT_EQ(values["MODEL_PATH"], "/drawings/house.dxf");
     EXPECT_EQ(values["SupportFolder"], "C:\\Program Files\\tessara qor");

@@ -2,6 +2,7 @@
 // that can be wrong with it.
 #include "fake_batch_folder.h"
 
+#include "host/gs/view.h"
 #include "omb/globals/globals.h"
 #include "omb/globals/option_globals.h"
 #include "omb_qorvane/batch_calls.h"
@@ -247,7 +248,7 @@ TEST_F(Saving, SettingsGoWithTheNewName) {
 
 TEST_F(Saving, AFolderThatIsThereIsAskedFor) {
     fs::create_directories(data("cottage"));
-    window->answers = {message_box::id_no, message_box::id_yes};
+    window->answers = {message_box::id_no, message_box::id_yes, message_box::id_yes};
     copy_batch_settings("/d/house.dxf", "/d/cottage.dxf");
     EXPECT_EQ(last_title(), "Copy Qorvane Batch Settings");
     EXPECT_EQ(last_box(), "Qorvane Batch folder for new drawing 'cottage' already exists.\n\n" +
@@ -374,7 +375,7 @@ TEST_F(Partner, MaterialsAreAssignedByName) {
     material("brick", 0xff0000);
     layer("roof");
     AcDbFace& face = square();
-    const std::string handle = fmt::format("{:X}", face.handle().value());
+    const std::string handle = fmt::format("{:X}", face.objectId().handle().value());
     EXPECT_EQ(omb_set_entity_material(handle.c_str(), "brick"), 1);
     EXPECT_EQ(omb_set_layer_material("roof", "brick"), 1);
     EXPECT_EQ(face.materialId(), layer_record([&] {

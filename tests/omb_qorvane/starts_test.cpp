@@ -47,12 +47,12 @@ protected:
 
 TEST_F(Starts, AsuniAsksForSizeAndSun) {
     set_global_double("rqor_sun_altitude", 0.5);
-    set_global_double("rqor_sun_azimuth", std::numbers::pi / 2);
+    set_global_double("rqor_sun_azimuth", 0.0);
     window->fill = [](cl_form_dialog& form) {
         EXPECT_EQ(form.title, "Dumibro Rendering");
         EXPECT_EQ(form.rows[0].value, "600");
         EXPECT_EQ(form.rows[2].value, "28.6478898");
-        EXPECT_EQ(form.rows[3].value, "90");
+        EXPECT_EQ(form.rows[3].value, "0");
         form.rows[0].value = "320";
         form.rows[1].value = "200";
         form.rows[2].value = "30";
@@ -244,6 +244,34 @@ TEST_F(Starts, PlainAsksInItsOrder) {
     EXPECT_EQ(plain_start(start_after_dialog, EXTRACT_AND_RENDER), 1);
     EXPECT_EQ(window->boxes.size(), boxes) << "1030 goes past the about box";
     EXPECT_EQ(shown, 2);
+}
+
+TEST_F(Starts, EachHasItsWordsInTheParameterFile) {
+    struct row {
+        start_kind kind;
+        int code;
+        const char *head, *application, *caller, *exe;
+    };
+    window->fill = [](cl_form_dialog&) { return true; };
+    std::size_t calls = 0;
+    for (const row& r :
+         {row{start_kind::asuni, 1, "#;Dumibro ", "Dumibro", "QRAC_ASUNI", ""},
+          row{start_kind::delta, 2, "#;DeltaCADD ", "DeltaCADD", "QRAC_DELTACADD", ""},
+          row{start_kind::gbcad, 3, "#;GBCAD ", "GBCAD", "QRAC_GBCAD", ""},
+          row{start_kind::zwcad, 4, "#;ZWCAD ", "ZWCAD Render", "QRAC_ZWCAD", ""},
+          row{start_kind::brics, 5, "#;BricsCAD ", "Qorvane for BricsCAD", "QRAC_BRICS", "64"}}) {
+        EXPECT_EQ(run_start(r.kind), 1) << r.application;
+        std::map<std::string, std::string> values = params_of(r.code);
+        EXPECT_THAT(file_of(r.code, "qor_render_params.txt"), testing::StartsWith(r.head));
+        EXPECT_EQ(values["APPLICATION_NAME"], r.application);
+        EXPECT_EQ(values["CALLING_APP"], r.caller);
+        ++calls;
+        ASSERT_EQ(batch_log(calls).size(), calls);
+        EXPECT_THAT(batch_log(calls).back(),
+                    testing::StartsWith(std::string("KestraBatch") + r.exe + "|"));
+        EXPECT_TRUE(fs::exists(folder_of(r.code) / "batch_file.txt"));
+    }
+    EXPECT_FALSE(fs::exists(folder)) << "none wrote into the plain start's folder";
 }
 
 TEST_F(Starts, TellsWhatIsMissingUnderItsOwnName) {
