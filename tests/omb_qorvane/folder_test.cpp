@@ -75,6 +75,17 @@ TEST_F(Folder, LiesBelowTheDataFolderUnlessTold) {
     EXPECT_EQ(theApp().omb_export.get_batch_folder(), "");
 }
 
+TEST_F(Folder, FallsBackOnTheTemporaryFolder) {
+    unsetenv("QORVANE_BATCH_FOLDER");
+    fs::create_directories(home / "data");
+    std::ofstream(home / "data" / "Qorvane") << "a file in its place";
+    EXPECT_EQ(theApp().omb_export.get_batch_folder(), (home / "tmp" / "Qor_batch_acad").string());
+    square();
+    first_use();
+    EXPECT_EQ(plain_start(start_after_dialog, EXTRACT_FOLDER_ONLY), 1);
+    EXPECT_TRUE(fs::exists(home / "tmp" / "Qor_batch_acad" / "qor_view.txt"));
+}
+
 TEST_F(Folder, ParameterFileInUseTakesItsSecondName) {
     square();
     fs::create_directories(folder / "qor_render_params.txt" / "held");

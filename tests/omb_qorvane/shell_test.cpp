@@ -6,6 +6,8 @@
 #include "omb/globals/globals.h"
 #include "omb_qorvane/plain_functions.h"
 
+#include <fstream>
+
 namespace {
 
 using testing::HasSubstr;
@@ -73,6 +75,25 @@ TEST_F(Shell, GreenButtonAsksForItsCode) {
     EXPECT_THAT(port.written, testing::Not(HasSubstr("Enter Green Button Code")));
     EXPECT_EQ(get_global_string("sks_green_button_defaults"), "Draft");
     EXPECT_EQ(get_green_button_code(), GREEN_BUTTON_DELTA);
+}
+
+TEST_F(Shell, ADevelopersFileTellsTheCode) {
+    square();
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(home);
+    std::ofstream("C:\\devc_2005\\green_button.txt")
+        << "# delta\n\n  gbcad \nBRICS\nnonsense\nopt;fast\nzwcad\n";
+    EXPECT_EQ(get_green_button_code(), GREEN_BUTTON_GBCAD) << "the first word wins here";
+    acedCommand("OMB_GREEN_BUTTON");
+    EXPECT_EQ(get_global_string("sks_last_green_button_code"), "ZWCAD") << "and the last there";
+    EXPECT_THAT(port.written, testing::Not(HasSubstr("Enter Green Button Code")));
+    std::filesystem::current_path(before);
+    // Without the file the last code counts; what is no word leaves the member alone.
+    EXPECT_EQ(get_green_button_code(), GREEN_BUTTON_ZWCAD);
+    set_global_string("sks_last_green_button_code", "");
+    port.answers = {"whatever", "brics"};
+    EXPECT_EQ(get_green_button_code(), GREEN_BUTTON_ZWCAD);
+    EXPECT_EQ(get_green_button_code(), GREEN_BUTTON_BRICS);
 }
 
 TEST_F(Shell, ExportedFunctions) {

@@ -13,7 +13,7 @@ struct cl_form_row {
 
     std::string label;
     row_kind kind = text;
-    std::string value;
+    std::string value{};
     std::vector<std::string> choices{}; ///< of a choice
     double minimum = 0, maximum = 0;    ///< of a number, both included; equal: no bounds
 
