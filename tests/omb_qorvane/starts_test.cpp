@@ -306,6 +306,11 @@ TEST_F(Starts, ExportedButtonsNeedTheMainWindow) {
 }
 
 TEST_F(Starts, TheLastCodeOutlivesTheRun) {
+    port.answers = {"brics", ""}; // asked for again, because it is not remembered
+    acedCommand("OMB_GREEN_BUTTON");
+    plain_start(start_after_dialog, EXTRACT_FOLDER_ONLY); // reads the drawing's settings
+    acedCommand("OMB_GREEN_BUTTON");
+    EXPECT_EQ(theApp().omb_export.green_button_app, GREEN_BUTTON_BRICS) << "an empty answer";
     port.answers = {"gbcad"};
     acedCommand("OMB_GREEN_BUTTON");
     stop_omb_qorvane();
