@@ -15,6 +15,9 @@ namespace {
 constexpr const char* dictionary_key = "OMB_Qorvane";
 constexpr const char* name_record = "somb_acad_database_name";
 
+/// Which CAD program runs us is the user's and goes with no drawing.
+constexpr const char* not_of_drawings = "sks_last_green_button_code";
+
 /// Group codes of a record.
 enum group : int {
     text_group = 1,
@@ -68,7 +71,7 @@ COLORREF color_of(const AcGePoint3d& p) {
 }
 
 void set_global(const record_values& record) {
-    if (record.name.empty()) {
+    if (record.name.empty() || record.name == not_of_drawings) {
         return;
     }
     switch (record.name.front()) {
@@ -247,7 +250,8 @@ void write_globals_to_OMB_QorvaneDictionary(AcDbDatabase& database,
     get_global_names_sorted(names);
     for (const std::string& name : names) {
         const cl_variable_base* variable = globals.lookup(name);
-        if (variable != nullptr && is_dictionary_type(variable->save_type) && name != name_record) {
+        if (variable != nullptr && is_dictionary_type(variable->save_type) && name != name_record &&
+            name != not_of_drawings) {
             put_record(*dictionary, name, value_of(*variable));
         }
     }
@@ -301,6 +305,13 @@ void cl_omb_export::read_options_globals_file() {
 void cl_omb_export::save_options_globals_file() {
     if (!write_option_globals_to_settings_file(options_path(*this))) {
         OMB_TRACE(1, "Cannot write option globals: %s", options_path(*this));
+    }
+}
+
+void cl_omb_export::rewrite_options_file() {
+    save_options_globals_file();
+    if (green_button_app == GREEN_BUTTON_ASUNI || green_button_app == GREEN_BUTTON_GBCAD) {
+        append_our_options_to_globals_file();
     }
 }
 

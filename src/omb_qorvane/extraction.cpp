@@ -254,15 +254,28 @@ void cl_omb_export::update_channels(double facetres) {
     if (!get_global_bool("bks_auto_lighting_channels")) {
         return;
     }
-    if (green_button_app == GREEN_BUTTON_DELTA) {
+    const bool delta = green_button_app == GREEN_BUTTON_DELTA;
+    const bool oem = delta && get_global_bool("bqor_is_acad_oem"); // its option file is its own
+    if (delta && !oem) {
         read_default_globals_file(find_render_defaults_file(
             get_global_string("sks_green_button_defaults"), theApp().somb_support_folder));
-    } else {
+        take_background();
+    } else if (!oem) {
         initialize_options_globals_file();
     }
     document.SetNumChannels(num_lighting_channels + 1);
     set_global_int("iks_lighting_channels", num_lighting_channels + 1);
-    save_options_globals_file();
+    if (!oem) {
+        rewrite_options_file();
+    }
+}
+
+void cl_omb_export::take_background() {
+    if (file_exists(background_file)) {
+        set_global_string("sqor_background_image", background_file);
+        set_global_double("rqor_background_xscale", background_xscale);
+        set_global_double("rqor_background_yscale", background_yscale);
+    }
 }
 
 bool cl_omb_export::end_stream() {

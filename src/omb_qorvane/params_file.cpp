@@ -102,11 +102,18 @@ void add_line(std::string& text, const params_line& line, const params_values& v
 } // namespace
 
 void cl_omb_export::bring_settings_up_to_date() {
-    preset_globals(1);
-    if (green_button_app != GREEN_BUTTON_DELTA) {
+    if (green_button_app == GREEN_BUTTON_DELTA) {
+        // Which options file goes with the program is no option of the picture: it stays.
+        const bool oem = get_global_bool("bqor_is_acad_oem");
+        const std::string defaults = get_global_string("sks_green_button_defaults");
+        preset_globals(1);
+        set_global_bool("bqor_is_acad_oem", oem);
+        set_global_string("sks_green_button_defaults", defaults);
+    } else {
+        preset_globals(1);
         initialize_options_globals_file();
         read_globals_from_OMB_QorvaneDictionary();
-        save_options_globals_file();
+        rewrite_options_file();
     }
 }
 
@@ -192,8 +199,8 @@ std::string cl_omb_export::write_params_files() {
     write_doc_file(*document);
     const bool opened = params_file.open_atomic(params_path);
     if (opened) {
+        params_file.write_data(params_text()); // its words are those of before the reset
         bring_settings_up_to_date();
-        params_file.write_data(params_text());
         write_registry_entry("HKEY_CURRENT_USER\\SOFTWARE\\Ombrel Systems\\ts_support_files1",
                              {theApp().batch_exe_folder});
     }

@@ -1,5 +1,6 @@
 // The batch program as other programs meet it.
 #include "omb/base/processes.h"
+#include "platform/messages.h"
 #include "platform/process.h"
 #include "tests/KestraBatch/folder_fixture.h"
 
@@ -65,6 +66,36 @@ TEST_F(BatchProgram, AskedToCloseItSavesThePictureSoFar) {
     EXPECT_FALSE(platform::is_process_running(process));
     EXPECT_TRUE(end_tells("\"exit_code\":143"));
     EXPECT_TRUE(std::filesystem::exists(folder.picture()));
+}
+
+TEST_F(BatchProgram, TheDialogsCloseMessageIsOneToo) {
+    const std::int64_t process = start();
+    ASSERT_TRUE(wait_for("progress"));
+    std::string error;
+    ASSERT_TRUE(platform::post_message(
+        process, {platform::kDialogMessage, platform::WM_CLOSE, {}, 0}, error))
+        << error;
+    EXPECT_EQ(platform::wait_process(process, 120), 143);
+    EXPECT_TRUE(std::filesystem::exists(folder.picture()));
+}
+
+TEST_F(BatchProgram, CopiesAProjectAndHasNoDialogs) {
+    const auto program = std::filesystem::path(QORVANE_BUILD_DIR) / "OMB_BATCH" / "KestraBatch";
+    const auto call = [&](const std::vector<std::string>& arguments) {
+        std::string error;
+        const auto started = platform::start_process(program, arguments, folder.folder, error);
+        EXPECT_TRUE(started) << error;
+        return started ? platform::wait_process(started->process_id, 60) : std::nullopt;
+    };
+    const std::filesystem::path project = folder.folder / "old house";
+    std::filesystem::create_directories(project / "Materials");
+    std::ofstream(project / "Materials" / "a.TsMaterial") << "a";
+    const std::string word = "copy_project_render_folder:" + project.string();
+    const std::string copy = (folder.folder / "new house").string();
+    EXPECT_EQ(call({word, "to_folder:", copy}), 0);
+    EXPECT_TRUE(std::filesystem::exists(copy + "/Materials/a.TsMaterial"));
+    EXPECT_EQ(call({word + " to_folder: " + (project / "inside").string()}), 5);
+    EXPECT_EQ(call({"select_decal:" + copy}), 7);
 }
 
 TEST_F(BatchProgram, TheSignalBehindTheMessageDoesNotCutTheSavingShort) {

@@ -30,6 +30,10 @@ TEST_F(Folder, HoldsWhatTheParameterFileNames) {
     extract();
     std::map<std::string, std::string> values;
     EXPECT_THAT(checker::check_params(file("qor_render_params.txt"), values), IsEmpty());
+    EXPECT_THAT(file("qor_render_params.txt"), testing::StartsWith("#;Tessara Qor Rendering"));
+    EXPECT_EQ(values["APPLICATION_NAME"], "Qorvane for AutoCAD");
+    EXPECT_EQ(values["CALLING_APP"], "QRAC");
+    EXPECT_EQ(values["VERSION"], "GreenButton");
     EXPECT_EQ(values["MODEL_NAME"], "house.dxf");
     EXPECT_EQ(values["MODEL_PATH"], "/drawings/house.dxf");
     EXPECT_EQ(values["SupportFolder"], "C:\\Program Files\\tessara qor");
@@ -69,6 +73,17 @@ TEST_F(Folder, LiesBelowTheDataFolderUnlessTold) {
     EXPECT_TRUE(theApp().omb_export.get_batch_folder().ends_with("OMB_Data/Untitled"));
     acDocManager()->closeAll();
     EXPECT_EQ(theApp().omb_export.get_batch_folder(), "");
+}
+
+TEST_F(Folder, FallsBackOnTheTemporaryFolder) {
+    unsetenv("QORVANE_BATCH_FOLDER");
+    fs::create_directories(home / "data");
+    std::ofstream(home / "data" / "Qorvane") << "a file in its place";
+    EXPECT_EQ(theApp().omb_export.get_batch_folder(), (home / "tmp" / "Qor_batch_acad").string());
+    square();
+    first_use();
+    EXPECT_EQ(plain_start(start_after_dialog, EXTRACT_FOLDER_ONLY), 1);
+    EXPECT_TRUE(fs::exists(home / "tmp" / "Qor_batch_acad" / "qor_view.txt"));
 }
 
 TEST_F(Folder, ParameterFileInUseTakesItsSecondName) {
