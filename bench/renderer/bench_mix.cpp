@@ -61,6 +61,7 @@ BENCHMARK(mix_and_tone_picture)
     ->Arg(1)
     ->ArgName("metered")
     ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
     ->UseRealTime();
 
 BENCHMARK_MAIN();
