@@ -87,6 +87,7 @@ TEST_F(Partner, EveryModeHasItsWordAndArgument) {
     std::vector<std::string> captions;
     theApp().make_progress_dialog = [&] { return std::make_unique<Captions>(captions); };
     const AcDbObjectId roof = layer("roof", 3);
+    layer("a,b");
     AcDbFace& face = square();
     face.setLayer(roof);
     EXPECT_EQ(exporter().EditMaterials(4711, -1, "red brick"), 1);
@@ -106,7 +107,8 @@ TEST_F(Partner, EveryModeHasItsWordAndArgument) {
                 HasSubstr("|show_acad_layers_and_matls_dlg:" + materials() + "/edit_matls.txt|"));
     const std::string list = file("Materials/edit_matls.txt");
     EXPECT_THAT(list, testing::StartsWith("SAPP,QRAC\nFOLDER,.\\Materials\nAPPLICATION_FOLDER,"));
-    EXPECT_THAT(list, HasSubstr("\nMATL,roof\nCOLI,3\n"));
+    EXPECT_THAT(list, HasSubstr("\nMATL,roof\nCOLI,3\nCOLR,3, 0x00FF00\n"));
+    EXPECT_THAT(list, HasSubstr("\nMATL,\"a,b\"\n")) << "names are fields";
     EXPECT_THAT(list, HasSubstr("\nEND_MATL,roof\n#;\n"));
     EXPECT_THAT(list, testing::EndsWith("LAYR,Qor_Ground_Plane\nLAYR,Qor_Default_Color\nMCUR,\n"));
     EXPECT_FALSE(fs::exists(folder / "batch_file.txt")) << "a scan writes no stream";
