@@ -83,6 +83,19 @@ TEST_F(Partner, ADialogEndsWithTheHostsWindow) {
     EXPECT_THAT(batch_log(1)[0], HasSubstr("|show_start_rendering_dialog:house|"));
 }
 
+TEST_F(Partner, WithoutAWindowAnInterruptEndsTheWaiting) {
+    batch_does("sleep");
+    acedSetMainWindow(0, {});
+    int slices = 0;
+    const batch_call_end end =
+        run_batch_program(exporter(), {"select_decal:x"}, "", render_failure, [&](int) {
+            acedSetMainWindow(++slices == 1 ? 4711 : 0, {}); // one that comes ends nothing
+            acedSetUsrBrk(slices == 2);
+        });
+    EXPECT_TRUE(end.given_up);
+    EXPECT_EQ(slices, 2);
+}
+
 TEST_F(Partner, EveryModeHasItsWordAndArgument) {
     std::vector<std::string> captions;
     theApp().make_progress_dialog = [&] { return std::make_unique<Captions>(captions); };
