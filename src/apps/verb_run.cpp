@@ -4,12 +4,42 @@
 #include "apps/verbs.h"
 #include "omb/base/profile.h"
 
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 
 #include <fmt/format.h>
 
 namespace apps {
+
+namespace {
+
+constexpr const char* command_group = "QORVANE";
+
+/// SAVEAS FILE: the drawing goes on under that name. A file that stands there is asked for.
+void save_as() {
+    std::string name;
+    if (acedGetString("\nSave drawing as: ", name) != RTNORM) {
+        return;
+    }
+    std::error_code failed;
+    const auto path = std::filesystem::absolute(name, failed);
+    std::string answer;
+    if (std::filesystem::exists(path, failed) &&
+        (acedGetKword("Yes No", "\n" + path.string() + " is there. Replace it? [Yes/No] <No>: ",
+                      answer) != RTNORM ||
+         answer != "Yes")) {
+        return;
+    }
+    std::string error;
+    if (acedSaveAs(*acDocManager()->curDocument()->database(), path, error) == Acad::eOk) {
+        acutPrintf("\nSaved as " + path.string() + "\n");
+    } else {
+        acedAlert(path.string() + ": " + error);
+    }
+}
+
+} // namespace
 
 int run_script(const Options& options) {
     std::ifstream file;
@@ -26,6 +56,7 @@ int run_script(const Options& options) {
     open_user_profile(profile_use::read_and_write); // a session of the host, as from a window
     HostSession session(options.operands.front());
     session.load_add_on();
+    acedRegCmds().addCommand(command_group, "_SAVEAS", "SAVEAS", ACRX_CMD_MODAL, &save_as);
     int code = kDone;
     std::string line;
     int number = 0;
@@ -41,6 +72,7 @@ int run_script(const Options& options) {
             code = kFailed;
         }
     }
+    acedRegCmds().removeGroup(command_group);
     std::cout << std::flush;
     acedSetInputPort(old_port);
     return interrupts_received() > 0 ? 128 + first_interrupt_signal() : code;

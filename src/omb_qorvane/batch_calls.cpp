@@ -52,7 +52,7 @@ batch_call_end run_batch_program(cl_omb_export& exporter, const std::vector<std:
             if (on_slice) {
                 on_slice(static_cast<int>(seconds));
             }
-            return adsw_acadMainWnd() == window && !acedUsrBrk();
+            return (window == 0 || adsw_acadMainWnd() == window) && !acedUsrBrk();
         });
     end.given_up = !outcome.ended;
     end.status = outcome.status;

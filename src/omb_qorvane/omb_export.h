@@ -179,7 +179,8 @@ private:
     std::string params_text();
     bool write_view_file(AcDbObjectId viewport, double scale);
     void write_scan_report();
-    void write_scan_lines(cl_output_file& file) const;
+    enum class scan_form { report, list };
+    void write_scan_lines(cl_output_file& file, scan_form form) const;
     bool write_list_file(const std::string& path) const;
     // edit_materials.cpp
     bool scan_materials(int mode);

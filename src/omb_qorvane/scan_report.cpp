@@ -9,7 +9,12 @@
 
 namespace {
 
-void write_layers(cl_output_file& file, AcDbDatabase& database) {
+/// A name as a field of a line.
+std::string field(const std::string& name) { return field_csv(record_name(name)); }
+
+/// The list file tells a layer's colour by its index ahead of the number, the report twice by the
+/// number.
+void write_layers(cl_output_file& file, AcDbDatabase& database, bool by_index) {
     cl_layer_cache layers;
     for (const AcDbObjectId id : database.layerTable().records()) {
         const AcDbObjectPointer<AcDbLayerTableRecord> layer(id);
@@ -17,8 +22,10 @@ void write_layers(cl_output_file& file, AcDbDatabase& database) {
             continue;
         }
         const std::uint32_t color = colr_value(layers.find(id).color);
-        file.write_fmt("MATL,%s\nCOLI,%d\nCOLR,%d, 0x%06X\nEND_MATL,%s\n#;\n", layer->getName(),
-                       layer->color().colorIndex(), color, color, layer->getName());
+        const std::string name = field(layer->getName());
+        const int index = layer->color().colorIndex();
+        file.write_fmt("MATL,%s\nCOLI,%d\nCOLR,%d, 0x%06X\nEND_MATL,%s\n#;\n", name, index,
+                       by_index ? static_cast<std::uint32_t>(index) : color, color, name);
     }
 }
 
@@ -28,7 +35,7 @@ void cl_omb_export::write_scan_report() {
     if (map_file_path.empty() || !map_file.open_atomic(map_file_path)) {
         return;
     }
-    write_scan_lines(map_file);
+    write_scan_lines(map_file, scan_form::report);
     map_file.close();
 }
 
@@ -38,17 +45,17 @@ bool cl_omb_export::write_list_file(const std::string& path) const {
         OMB_TRACE(1, "Cannot write list file: %s", path);
         return false;
     }
-    write_scan_lines(file);
+    write_scan_lines(file, scan_form::list);
     return file.close();
 }
 
-void cl_omb_export::write_scan_lines(cl_output_file& file) const {
+void cl_omb_export::write_scan_lines(cl_output_file& file, scan_form form) const {
     file.write_fmt("SAPP,%s\nFOLDER,.\\Materials\nAPPLICATION_FOLDER,%s\n",
                    green_button_info(green_button_app).calling_app, theApp().somb_support_folder);
-    write_layers(file, *acdbCurDwg());
+    write_layers(file, *acdbCurDwg(), form == scan_form::list);
     for (const AcDbObjectId id : layer_ids) {
         const AcDbObjectPointer<AcDbLayerTableRecord> layer(id);
-        file.write_fmt("LAYR,%s\n", layer ? layer->getName() : std::string());
+        file.write_fmt("LAYR,%s\n", layer ? field(layer->getName()) : std::string());
     }
     for (const int index : index_colors) {
         file.write_fmt("LAYR,%s\n", color_index_key(index));
@@ -59,8 +66,12 @@ void cl_omb_export::write_scan_lines(cl_output_file& file) const {
     if (layer_ids.empty() && index_colors.empty() && rgb_colors.empty()) {
         int number = 0;
         for (const std::string& key : material_layer_array) {
-            file.write_fmt("%d. LAYR,%s\n", number++, key);
+            if (form == scan_form::report) {
+                file.write_fmt("%d. ", number++);
+            }
+            file.write_fmt("LAYR,%s\n", field(key));
         }
     }
-    file.write_fmt("LAYR,Qor_Ground_Plane\nLAYR,Qor_Default_Color\nMCUR,%s\n", mat_map_folder);
+    file.write_fmt("LAYR,Qor_Ground_Plane\nLAYR,Qor_Default_Color\nMCUR,%s\n",
+                   field(mat_map_folder));
 }

@@ -315,6 +315,17 @@ TEST_F(Programs, ScriptsRunHostCommands) {
     EXPECT_NE(r.err.find("'nonsense' (line 4)"), std::string::npos) << r.err;
 }
 
+TEST_F(Programs, ADrawingSavedUnderANewNameTakesItsBatchFolderAlong) {
+    write("there.dxf", "old");
+    // The layer dialog makes the folder, and is not there yet.
+    write("script.txt", "omb_ac_layer_materials\nSAVEAS cottage.dxf\nSAVEAS there.dxf\nno\n");
+    const Outcome r = run({"run", "box.dxf", "--script", "script.txt"});
+    EXPECT_NE(r.out.find("Qorvane Batch settings copied from 'box' to: cottage"), std::string::npos)
+        << r.out << r.err;
+    EXPECT_EQ(read(folder_ / "there.dxf"), "old");
+    EXPECT_EQ(run({"inspect", "cottage.dxf"}).code, 0);
+}
+
 TEST_F(Programs, TheBatchProcessNeedsItsFolder) {
     const fs::path batch = fs::path(QORVANE_BUILD_DIR) / "OMB_BATCH" / "KestraBatch64";
     std::string error;

@@ -83,10 +83,24 @@ TEST_F(Partner, ADialogEndsWithTheHostsWindow) {
     EXPECT_THAT(batch_log(1)[0], HasSubstr("|show_start_rendering_dialog:house|"));
 }
 
+TEST_F(Partner, WithoutAWindowAnInterruptEndsTheWaiting) {
+    batch_does("sleep");
+    acedSetMainWindow(0, {});
+    int slices = 0;
+    const batch_call_end end =
+        run_batch_program(exporter(), {"select_decal:x"}, "", render_failure, [&](int) {
+            acedSetMainWindow(++slices == 1 ? 4711 : 0, {}); // one that comes ends nothing
+            acedSetUsrBrk(slices == 2);
+        });
+    EXPECT_TRUE(end.given_up);
+    EXPECT_EQ(slices, 2);
+}
+
 TEST_F(Partner, EveryModeHasItsWordAndArgument) {
     std::vector<std::string> captions;
     theApp().make_progress_dialog = [&] { return std::make_unique<Captions>(captions); };
     const AcDbObjectId roof = layer("roof", 3);
+    layer("a,b");
     AcDbFace& face = square();
     face.setLayer(roof);
     EXPECT_EQ(exporter().EditMaterials(4711, -1, "red brick"), 1);
@@ -106,7 +120,8 @@ TEST_F(Partner, EveryModeHasItsWordAndArgument) {
                 HasSubstr("|show_acad_layers_and_matls_dlg:" + materials() + "/edit_matls.txt|"));
     const std::string list = file("Materials/edit_matls.txt");
     EXPECT_THAT(list, testing::StartsWith("SAPP,QRAC\nFOLDER,.\\Materials\nAPPLICATION_FOLDER,"));
-    EXPECT_THAT(list, HasSubstr("\nMATL,roof\nCOLI,3\n"));
+    EXPECT_THAT(list, HasSubstr("\nMATL,roof\nCOLI,3\nCOLR,3, 0x00FF00\n"));
+    EXPECT_THAT(list, HasSubstr("\nMATL,\"a,b\"\n")) << "names are fields";
     EXPECT_THAT(list, HasSubstr("\nEND_MATL,roof\n#;\n"));
     EXPECT_THAT(list, testing::EndsWith("LAYR,Qor_Ground_Plane\nLAYR,Qor_Default_Color\nMCUR,\n"));
     EXPECT_FALSE(fs::exists(folder / "batch_file.txt")) << "a scan writes no stream";

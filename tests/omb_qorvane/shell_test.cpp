@@ -30,6 +30,7 @@ TEST_F(Shell, EveryCommandIsThereAndSaysWhatIsNot) {
         EXPECT_TRUE(acedCommand(name)) << name;
         EXPECT_THAT(port.written, HasSubstr(" is not there yet")) << name;
     }
+    EXPECT_THAT(port.written, testing::Not(HasSubstr("parent window"))) << "told once";
     for (const AcEdCommand& command : acedRegCmds().commands()) {
         EXPECT_EQ(command.group, "OMB_Qorvane") << command.global_name;
         EXPECT_EQ(command.flags, ACRX_CMD_TRANSPARENT) << command.global_name;
