@@ -29,8 +29,9 @@ SettingsPanel::SettingsPanel(QWidget* parent)
     list_->sortByColumn(0, Qt::AscendingOrder);
     list_->setHeaderLabels({"Setting", "Value", "Name"});
     list_->header()->setSectionResizeMode(0, QHeaderView::Interactive);
-    list_->header()->resizeSection(0, 150);
-    list_->header()->resizeSection(1, 70);
+    list_->header()->resizeSection(0, 130);
+    list_->header()->resizeSection(1, 64);
+    list_->header()->resizeSection(2, 60); // and all that is left
     list_->setAccessibleName("Settings of this render");
     column->addWidget(list_, 1);
     count_ = new QLabel(this);
@@ -99,8 +100,9 @@ MessagesPanel::MessagesPanel(QWidget* parent)
 }
 
 void MessagesPanel::set_warnings(const std::vector<Warning>& warnings) {
-    for (; known_ < warnings.size(); ++known_) {
-        add(QString::fromStdString(warnings[known_].text), true);
+    while (known_ < warnings.size()) {
+        const Warning& warning = warnings[known_++]; // counted ahead: add tells the number
+        add(QString::fromStdString(warning.text), true);
     }
 }
 

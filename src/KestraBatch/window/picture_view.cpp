@@ -117,6 +117,7 @@ void PictureView::paintEvent(QPaintEvent* event) {
     }
     paint_hint(painter);
     if (hasFocus()) {
+        painter.setBrush(Qt::NoBrush);
         painter.setPen(QPen(palette().color(QPalette::Highlight), 1));
         painter.drawRect(rect().adjusted(0, 0, -1, -1));
     }

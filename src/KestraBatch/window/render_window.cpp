@@ -220,6 +220,7 @@ void RenderWindow::show_pixel(int column, int row) {
         pixel_->clear();
         return;
     }
+    statusBar()->clearMessage(); // it would lie over the values
     const QImage& image = toned_.levels.front();
     const QRgb shown = image.pixel(column, row);
     const std::size_t at = static_cast<std::size_t>(row) * image.width() + column;

@@ -62,6 +62,7 @@ public:
     /// Replaces the question at closing and the choice of a file name.
     std::function<CloseAnswer(const CloseQuestion&)> ask_at_closing;
     std::function<std::filesystem::path()> ask_save_name;
+    std::function<void()> on_closed;
 
 protected:
     void closeEvent(QCloseEvent* event) override;

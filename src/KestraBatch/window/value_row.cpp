@@ -55,7 +55,7 @@ void ValueRow::make_parts(const QString& name, const QString& tip, bool checkabl
         parts_->name = new QLabel(name, this);
     }
     parts_->mark = new QLabel(QString::fromUtf8("\u25cf"), this);
-    parts_->mark->setForegroundRole(QPalette::Link);
+    parts_->mark->setForegroundRole(QPalette::Highlight);
     parts_->mark->setToolTip("Changed since the render");
     QSizePolicy keeps_place = parts_->mark->sizePolicy();
     keeps_place.setRetainSizeWhenHidden(true);

@@ -277,7 +277,9 @@ void RenderWindow::closeEvent(QCloseEvent* event) {
     toner_->set_source(nullptr);
     remember_place();
     event->accept();
-    QApplication::exit(0);
+    if (on_closed) {
+        on_closed();
+    }
 }
 
 void RenderWindow::remember_place() {

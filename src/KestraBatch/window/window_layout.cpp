@@ -155,6 +155,9 @@ void RenderWindow::make_toolbar() {
             bar->addAction(actions_.at(command));
         }
     }
+    // The buttons stay where they are when Pause becomes Resume.
+    QWidget* pause = bar->widgetForAction(actions_.at(WindowCommand::pause));
+    pause->setMinimumWidth(pause->fontMetrics().horizontalAdvance("Resume") + 12);
 }
 
 QWidget* RenderWindow::make_pages() {
@@ -197,6 +200,7 @@ void RenderWindow::make_bars() {
     row->setContentsMargins(10, 6, 10, 6);
     row->setSpacing(12);
     state_ = make_label("State", strip);
+    state_->setMinimumWidth(state_->fontMetrics().horizontalAdvance("Building the scene"));
     time_ = make_label("Elapsed and remaining time", strip);
     progress_ = new QProgressBar(strip);
     progress_->setAccessibleName("Progress");

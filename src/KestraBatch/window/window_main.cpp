@@ -60,6 +60,7 @@ int show(const WindowStart& start) {
         return show_notice(start);
     }
     RenderWindow window(*start.program, *start.picture, start.program_name, start.program_version);
+    window.on_closed = [] { QApplication::exit(0); };
     window.begin();
     QApplication::exec();
     return window.exit_code();

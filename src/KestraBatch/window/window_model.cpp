@@ -72,6 +72,23 @@ std::filesystem::path with_kind(const std::filesystem::path& name, int kind) {
     return name.string() + "." + picture_kind(kind).extension;
 }
 
+WindowModel::WindowModel() {
+    show_rendered(ToneSettings{});
+}
+
+/// The tone that a picture comes with; what the user has set stays.
+void WindowModel::show_rendered(const ToneSettings& tone) {
+    for (int i = 0; i < tone_rows; ++i) {
+        const ToneRow& row = tone_row(i);
+        rendered_tone_.at(static_cast<std::size_t>(i)) = std::clamp(
+            rounded(tone.*row.member * row.shown, row.decimals), row.lowest, row.highest);
+    }
+    if (!tone_set_) {
+        tone_ = rendered_tone_;
+    }
+    kept_tone_ = rendered_tone_;
+}
+
 void WindowModel::begin(bool can_render, bool keep_changes) {
     can_render_ = can_render;
     status_ = {};
@@ -91,17 +108,8 @@ void WindowModel::begin(bool can_render, bool keep_changes) {
 void WindowModel::set_facts(const PictureFacts& facts) {
     facts_ = facts;
     has_facts_ = true;
-    for (int i = 0; i < tone_rows; ++i) {
-        const ToneRow& row = tone_row(i);
-        const auto at = static_cast<std::size_t>(i);
-        rendered_tone_[at] = std::clamp(rounded(facts.tone.*row.member * row.shown, row.decimals),
-                                        row.lowest, row.highest);
-    }
-    if (!tone_set_) {
-        tone_ = rendered_tone_;
-        tone_set_ = true;
-    }
-    kept_tone_ = rendered_tone_;
+    show_rendered(facts.tone);
+    tone_set_ = true;
     touch();
 }
 

@@ -53,6 +53,8 @@ struct CloseQuestion {
 
 class WindowModel {
 public:
+    WindowModel();
+
     /// Another picture, or another render of the same one. With `keep_changes` the user's tone and
     /// channels stay.
     void begin(bool can_render, bool keep_changes);
@@ -110,6 +112,7 @@ public:
     CloseQuestion close_question() const;
 
 private:
+    void show_rendered(const renderer::ToneSettings& tone);
     void touch() { ++revision_; }
 
     bool can_render_ = false, has_facts_ = false, tone_set_ = false;

@@ -34,13 +34,17 @@ Rgb light(int channel, float u, float v, float aspect) {
     const float shade = ground && out >= 1 && x > 0 && x < 0.5f && v < 0.8f ? 0.1f : 1.0f;
     switch (channel) {
     case 0:
-        return out < 1 ? Rgb{1.6f, 0.9f, 0.5f} * sun
-                       : ground ? Rgb{0.9f, 0.82f, 0.66f} * shade : Rgb{};
+        return out < 1  ? Rgb{1.6f, 0.9f, 0.5f} * sun
+               : ground ? Rgb{0.9f, 0.82f, 0.66f} * shade
+                        : Rgb{};
     case 1:
-        return out < 1 ? Rgb{0.12f, 0.14f, 0.2f} * (1 - y / radius)
-                       : ground ? Rgb{0.14f, 0.17f, 0.22f} : Rgb{0.2f, 0.35f, 0.7f} * (1.2f - v);
-    case 2: return Rgb{0.5f, 0.32f, 0.14f} * std::exp(-8 * ((u - 0.85f) * (u - 0.85f) + y * y));
-    default: return u > 0.78f && u < 0.92f && v > 0.3f && v < 0.42f ? Rgb{1, 0.8f, 0.5f} : Rgb{};
+        return out < 1  ? Rgb{0.12f, 0.14f, 0.2f} * (1 - y / radius)
+               : ground ? Rgb{0.14f, 0.17f, 0.22f}
+                        : Rgb{0.2f, 0.35f, 0.7f} * (1.2f - v);
+    case 2:
+        return Rgb{0.5f, 0.32f, 0.14f} * std::exp(-8 * ((u - 0.85f) * (u - 0.85f) + y * y));
+    default:
+        return u > 0.78f && u < 0.92f && v > 0.3f && v < 0.42f ? Rgb{1, 0.8f, 0.5f} : Rgb{};
     }
 }
 
@@ -49,9 +53,7 @@ Rgb light(int channel, float u, float v, float aspect) {
 FakePicture::FakePicture(FakeOptions options)
   : options_(std::move(options)) {}
 
-FakePicture::~FakePicture() {
-    end();
-}
+FakePicture::~FakePicture() { end(); }
 
 void FakePicture::end() {
     stop();
@@ -164,8 +166,7 @@ void FakePicture::render_pass(int pass) {
         channel.radiance.reserve(next.film.radiance.size());
         for (std::uint32_t y = 0; y < height; ++y) {
             for (std::uint32_t x = 0; x < width; ++x) {
-                const bool inside = first.width > 0 &&
-                                    static_cast<int>(x) >= first.x &&
+                const bool inside = first.width > 0 && static_cast<int>(x) >= first.x &&
                                     static_cast<int>(x) < first.x + first.width &&
                                     static_cast<int>(y) >= first.y &&
                                     static_cast<int>(y) < first.y + first.height;
@@ -173,7 +174,8 @@ void FakePicture::render_pass(int pass) {
                 const Rgb clean = light(c, (x + 0.5f) / width, (y + 0.5f) / height,
                                         static_cast<float>(width) / height);
                 const float factor =
-                    1 + grain * (noise(x, y, static_cast<std::uint32_t>(pass * channels + c)) - 0.5f);
+                    1 +
+                    grain * (noise(x, y, static_cast<std::uint32_t>(pass * channels + c)) - 0.5f);
                 channel.radiance.push_back(clean * factor);
                 next.film.radiance[channel.radiance.size() - 1] += channel.radiance.back();
             }
@@ -268,8 +270,6 @@ renderer::DisplayImage FakeProgram::tone(const renderer::ChannelFilm& picture,
     return image;
 }
 
-double FakeProgram::exposure_of(const renderer::Film&) {
-    return 1.0;
-}
+double FakeProgram::exposure_of(const renderer::Film&) { return 1.0; }
 
 } // namespace window_test
