@@ -129,6 +129,14 @@ Rgb DistantLight::background(Vec3 direction) const {
     return visible_ ? sky_radiance(direction) + sun_radiance(direction) : background_;
 }
 
+Rgb DistantLight::visible_sun(Vec3 direction) const {
+    return visible_ ? sun_radiance(direction) : Rgb{0, 0, 0};
+}
+
+Rgb DistantLight::visible_sky(Vec3 direction) const {
+    return visible_ ? sky_radiance(direction) : background_;
+}
+
 float DistantLight::white_radiance() const {
     constexpr int steps = 16;
     float sky = 0;

@@ -21,9 +21,11 @@ public:
     /// With `ground_below` no directions below the horizon are drawn, as the ground hides them.
     DistantLight(const Environment& environment, bool ground_below);
 
-    Rgb background(Vec3 direction) const; ///< what camera rays see, sun's disc included
-    Rgb haze(Vec3 direction) const;       ///< what far ground fades into
-    Rgb backdrop(Vec3 direction) const;   ///< the same for camera rays
+    Rgb background(Vec3 direction) const;  ///< what camera rays see, sun's disc included
+    Rgb visible_sun(Vec3 direction) const; ///< the sun's part of background
+    Rgb visible_sky(Vec3 direction) const; ///< the rest of background
+    Rgb haze(Vec3 direction) const;        ///< what far ground fades into
+    Rgb backdrop(Vec3 direction) const;    ///< the same for camera rays
 
     /// Luminance of a white matt surface that lies open to the sky and faces the sun.
     float white_radiance() const;

@@ -4,6 +4,8 @@
 #include "renderer/bsdf.h"
 #include "renderer/sampling.h"
 
+#include <stdexcept>
+
 namespace renderer {
 
 namespace {
@@ -17,6 +19,18 @@ constexpr float blurred_roughness = 0.35f;
 
 bool is_black(Rgb c) { return max_component(c) <= 0; }
 
+void check_channels(const ChannelSettings& light, const std::vector<Material>& materials) {
+    if (light.channels.empty())
+        return;
+    const auto count = static_cast<int>(light.channels.size());
+    const auto there = [count](int channel) { return channel >= 0 && channel < count; };
+    bool good = count <= most_channels && there(light.sun) && there(light.sky);
+    for (const Material& material : materials)
+        good = good && there(material.light_channel);
+    if (!good)
+        throw std::invalid_argument("render: a light's channel is not among the channels");
+}
+
 } // namespace
 
 /// A path under way.
@@ -24,6 +38,7 @@ struct Integrator::PathState {
     Ray ray;
     Rgb throughput{1, 1, 1};
     Rgb direct{0, 0, 0}, indirect{0, 0, 0};
+    PathChannels* channels = nullptr; ///< the same by channel, when somebody asks
     PathResult result;
     int depth = 0;              ///< scattering vertices behind us, panes of glass not counted
     int panes = 0;              ///< panes of glass passed straight
@@ -46,6 +61,7 @@ Integrator::Integrator(const Accel& accel, const Scene& scene, const RenderSetti
   , filter_(settings.filter_radius)
   , settings_(settings)
   , fade_distance_(std::max(1500.0f, 40 * accel.bounds().radius())) {
+    check_channels(settings.light, scene.materials);
     const SceneBounds& bounds = accel.bounds();
     const float radius = 1.01f * bounds.radius() + 0.01f;
     const float elevation = scene.ground ? scene.ground->elevation : bounds.low.z;
@@ -57,33 +73,62 @@ Integrator::Integrator(const Accel& accel, const Scene& scene, const RenderSetti
     }
 }
 
-PathResult Integrator::trace_sample(int x, int y, std::uint32_t sample) const {
+PathResult Integrator::trace_sample(int x, int y, std::uint32_t sample,
+                                    PathChannels* channels) const {
     Sampler sampler(static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y), sample,
                     settings_.seed);
     const Vec2 offset = filter_.sample(sampler.next_2d());
     return trace_path(camera_.generate(static_cast<float>(x) + 0.5f + offset.x,
                                        static_cast<float>(y) + 0.5f + offset.y),
-                      sampler);
+                      sampler, channels);
 }
 
-PathResult Integrator::trace_path(Ray ray, Sampler& sampler) const {
+PathResult Integrator::trace_path(Ray ray, Sampler& sampler, PathChannels* channels) const {
     PathState state;
     state.ray = ray;
+    if (channels && !settings_.light.channels.empty()) {
+        *channels = {};
+        state.channels = channels;
+    }
     while (step(state, sampler)) {
     }
     PathResult& result = state.result;
     const float most = max_component(state.indirect);
-    if (settings_.clamp > 0 && most > settings_.clamp)
-        state.indirect = state.indirect * (settings_.clamp / most);
+    const bool clamped = settings_.clamp > 0 && most > settings_.clamp;
+    const float scale = clamped ? settings_.clamp / most : 1;
+    if (clamped)
+        state.indirect = state.indirect * scale;
     result.radiance = state.direct + state.indirect;
-    if (!is_finite(result.radiance))
+    const bool usable = is_finite(result.radiance);
+    if (!usable)
         result.radiance = {0, 0, 0};
+    if (state.channels)
+        finish_channels(state, usable ? scale : 0);
     return result;
 }
 
 /// Books light that reaches the camera over `depth` scattering vertices.
 void Integrator::add(PathState& state, Rgb light, int depth) const {
     (depth <= 1 ? state.direct : state.indirect) += light;
+}
+
+/// Tells whose light it was that `add` has booked.
+void Integrator::add_to_channel(PathState& state, int channel, Rgb light, int depth) const {
+    if (!state.channels)
+        return;
+    PathChannels& channels = *state.channels;
+    (depth <= 1 ? channels.radiance : channels.indirect)[static_cast<std::size_t>(channel)] +=
+        light;
+}
+
+/// Takes the clamp into the channels; scale 0 drops a path that came to no number.
+void Integrator::finish_channels(PathState& state, float indirect_scale) const {
+    PathChannels& channels = *state.channels;
+    for (std::size_t i = 0; i < settings_.light.channels.size(); ++i) {
+        channels.radiance[i] += channels.indirect[i] * indirect_scale;
+        if (indirect_scale == 0 || !is_finite(channels.radiance[i]))
+            channels.radiance[i] = {0, 0, 0};
+    }
 }
 
 /// Follows the ray to the next surface; false when the path has ended.
@@ -108,7 +153,11 @@ bool Integrator::step(PathState& state, Sampler& sampler) const {
         r.normal = hit.shading_normal;
         r.depth = hit.distance - stepped_back_;
     }
-    add(state, state.throughput * material.emission, state.depth);
+    if (!is_black(material.emission)) {
+        const Rgb glow = state.throughput * material.emission;
+        add(state, glow, state.depth);
+        add_to_channel(state, material.light_channel, glow, state.depth);
+    }
     if (state.depth >= settings_.max_bounces)
         return false;
     const Vertex vertex{hit, bsdf};
@@ -119,17 +168,25 @@ bool Integrator::step(PathState& state, Sampler& sampler) const {
 /// Light of sun and sky behind the last surface, weighted against add_direct_light.
 void Integrator::add_escaped(PathState& state) const {
     const Vec3 d = state.ray.direction;
+    const ChannelSettings& channels = settings_.light;
     if (state.seen_by_camera) {
         add(state, state.throughput * light_.background(d), 0);
+        if (state.channels) {
+            const Rgb disc = light_.visible_sun(d);
+            add_to_channel(state, channels.sun, state.throughput * disc, 0);
+            add_to_channel(state, channels.sky, state.throughput * light_.visible_sky(d), 0);
+        }
         return;
     }
-    Rgb light{0, 0, 0};
+    Rgb sky{0, 0, 0}, sun{0, 0, 0};
     if (light_.has_sky())
-        light += light_.sky_radiance(d) * power_heuristic(state.pdf, light_.sky_pdf(d));
+        sky = light_.sky_radiance(d) * power_heuristic(state.pdf, light_.sky_pdf(d));
     const float sun_pdf = light_.sun_pdf(d);
     if (sun_pdf > 0)
-        light += light_.sun_radiance(d) * power_heuristic(state.pdf, sun_pdf);
-    add(state, state.throughput * light, state.depth);
+        sun = light_.sun_radiance(d) * power_heuristic(state.pdf, sun_pdf);
+    add(state, state.throughput * (sky + sun), state.depth);
+    add_to_channel(state, channels.sky, state.throughput * sky, state.depth);
+    add_to_channel(state, channels.sun, state.throughput * sun, state.depth);
 }
 
 /// Lets far ground fade into the haze over the horizon, as air does. False when nothing is left.
@@ -144,7 +201,9 @@ bool Integrator::fade_ground(PathState& state, const Hit& hit) const {
         return true;
     const Rgb haze = state.seen_by_camera ? light_.backdrop(state.ray.direction)
                                           : light_.haze(state.ray.direction);
-    add(state, state.throughput * haze * (1 - clear), state.depth);
+    const Rgb light = state.throughput * haze * (1 - clear);
+    add(state, light, state.depth);
+    add_to_channel(state, settings_.light.sky, light, state.depth);
     state.throughput *= Rgb{1, 1, 1} * clear;
     return clear > 0.001f;
 }
@@ -154,17 +213,19 @@ bool Integrator::fade_ground(PathState& state, const Hit& hit) const {
 void Integrator::add_direct_light(PathState& state, const Vertex& vertex, Sampler& sampler) const {
     Vec2 u_sun = sampler.next_2d();
     const Vec2 u_sky = sampler.next_2d();
-    Rgb light{0, 0, 0};
+    Rgb sun{0, 0, 0}, sky{0, 0, 0};
     if (state.depth == 0) {
-        light = light_from(light_.sample_sun(u_sun), vertex) +
-                light_from(light_.sample_sky(u_sky), vertex);
+        sun = light_from(light_.sample_sun(u_sun), vertex);
+        sky = light_from(light_.sample_sky(u_sky), vertex);
     } else if (u_sun.x < 0.5f) {
         u_sun.x *= 2; // what the coin left of the number is as evenly spread as before
-        light = 2 * light_from(light_.sample_sun(u_sun), vertex);
+        sun = 2 * light_from(light_.sample_sun(u_sun), vertex);
     } else {
-        light = 2 * light_from(light_.sample_sky(u_sky), vertex);
+        sky = 2 * light_from(light_.sample_sky(u_sky), vertex);
     }
-    add(state, state.throughput * light, state.depth + 1);
+    add(state, state.throughput * (sun + sky), state.depth + 1);
+    add_to_channel(state, settings_.light.sun, state.throughput * sun, state.depth + 1);
+    add_to_channel(state, settings_.light.sky, state.throughput * sky, state.depth + 1);
 }
 
 /// One light sample's contribution: value, density, then the shadow ray, cheapest first.

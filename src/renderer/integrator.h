@@ -4,10 +4,12 @@
 #include "renderer/accel.h"
 #include "renderer/camera.h"
 #include "renderer/environment.h"
+#include "renderer/light_channels.h"
 #include "renderer/pixel_filter.h"
 #include "renderer/sampler.h"
 #include "renderer/scene.h"
 
+#include <array>
 #include <vector>
 
 namespace renderer {
@@ -21,6 +23,13 @@ struct PathResult {
     float depth = 0;      ///< metres to the first hit
 };
 
+/// The same light by channel, for those who ask.
+struct PathChannels {
+    std::array<Rgb, most_channels> radiance;
+    std::array<Rgb, most_channels>
+        indirect; ///< while the path is under way: its part that is clamped
+};
+
 /// Everything the paths of one render read. All methods may run on any number of threads.
 class Integrator {
 public:
@@ -28,10 +37,12 @@ public:
     Integrator(const Accel& accel, const Scene& scene, const RenderSettings& settings);
 
     /// One path through a pixel; a pure function of its arguments, the scene and the settings.
-    PathResult trace_sample(int x, int y, std::uint32_t sample) const;
+    /// `channels`, when given, is filled as far as there are channels.
+    PathResult trace_sample(int x, int y, std::uint32_t sample,
+                            PathChannels* channels = nullptr) const;
 
     /// One path along a given camera ray.
-    PathResult trace_path(Ray ray, Sampler& sampler) const;
+    PathResult trace_path(Ray ray, Sampler& sampler, PathChannels* channels = nullptr) const;
 
 private:
     struct PathState;
@@ -43,6 +54,8 @@ private:
     Rgb light_from(const LightSample& light, const Vertex& vertex) const;
     bool scatter(PathState& state, const Vertex& vertex, Sampler& sampler) const;
     void add(PathState& state, Rgb light, int depth) const;
+    void add_to_channel(PathState& state, int channel, Rgb light, int depth) const;
+    void finish_channels(PathState& state, float indirect_scale) const;
 
     const Accel& accel_;
     std::vector<Material> materials_;

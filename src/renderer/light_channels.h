@@ -20,6 +20,7 @@ inline constexpr int most_channels = 8;
 struct LightChannel {
     std::string name; ///< as people know it: "Sun", "Sky", "Lamps", "Glow"
     std::vector<Rgb> radiance;
+    int number = 0; ///< in the settings (`rks_lighting_channel_intensity0` and so on); not an index
 };
 
 /// A film whose light is also kept by channel. With no channels it is mixed as a whole.
@@ -32,7 +33,10 @@ struct ChannelFilm {
 using ChannelWeights = std::array<float, most_channels>;
 ChannelWeights neutral_weights();
 
-/// The film with its radiance mixed anew. Albedo, normals, depth and alpha stay.
+/// The film with its radiance mixed anew. Albedo, normals, depth and alpha stay; the variance is
+/// scaled as if noise were a fixed share of the light. With neutral weights it is the film as it
+/// stands. Throws std::invalid_argument when a buffer does not fit the film's size; a channel
+/// without radiance gives no light.
 Film mix(const ChannelFilm& channels, const ChannelWeights& weights);
 
 /// mix and tone_map in one go, on all cores, without a film in between: for sliders. With

@@ -5,6 +5,7 @@
 #include "renderer/image_file.h"
 #include "renderer/light_channels.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 
@@ -16,6 +17,9 @@ struct QorImage {
     ToneSettings tone;
     Metadata metadata;
 };
+
+/// Most pixels of a picture that is loaded.
+inline constexpr std::int64_t most_loaded_pixels = 100'000'000;
 
 /// Written beside `path`, synced and renamed. Throws std::runtime_error that names file and cause.
 void save_qor_image(const std::filesystem::path& path, const QorImage& image);

@@ -1,42 +1,19 @@
-// Passes over tiles: who renders what, when to stop, and what the film holds then.
+// Pass after pass: what the film holds when, and who gets to see it.
 #include "renderer/renderer.h"
 
 #include "renderer/accel.h"
 #include "renderer/integrator.h"
-#include "renderer/sampling.h"
+#include "renderer/tile_job.h"
 
 #include <tbb/global_control.h>
-#include <tbb/parallel_for.h>
 #include <tbb/task_arena.h>
 
-#include <atomic>
-#include <chrono>
-#include <mutex>
+#include <algorithm>
 #include <stdexcept>
-#include <xmmintrin.h>
 
 namespace renderer {
 
 namespace {
-
-constexpr int tile_size = 16;
-constexpr double callback_interval = 0.05; // seconds
-
-/// Treats numbers too small for full precision as zero on this thread, as Embree expects, and so
-/// alike on all threads; restores the mode behind it.
-class FlushDenormals {
-public:
-    FlushDenormals()
-      : saved_(_mm_getcsr()) {
-        _mm_setcsr((saved_ & ~0x6000u) | 0x8040u);
-    }
-    ~FlushDenormals() { _mm_setcsr(saved_); }
-    FlushDenormals(const FlushDenormals&) = delete;
-    FlushDenormals& operator=(const FlushDenormals&) = delete;
-
-private:
-    unsigned saved_;
-};
 
 void check(const RenderSettings& s) {
     constexpr std::int64_t most_pixels = 1 << 28;
@@ -53,10 +30,15 @@ void check(const RenderSettings& s) {
         throw std::invalid_argument("render: time limit, clamp and threads must not be negative");
 }
 
-void clear(Film& film, int width, int height) {
-    const auto n = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-    film.width = width;
-    film.height = height;
+std::size_t pixel_count(const RenderSettings& s) {
+    return static_cast<std::size_t>(s.width) * static_cast<std::size_t>(s.height);
+}
+
+void clear(ChannelFilm& picture, const RenderSettings& settings) {
+    const std::size_t n = pixel_count(settings);
+    Film& film = picture.film;
+    film.width = settings.width;
+    film.height = settings.height;
     film.passes = 0;
     film.radiance.assign(n, {0, 0, 0});
     film.alpha.assign(n, 0.0f);
@@ -65,13 +47,22 @@ void clear(Film& film, int width, int height) {
     film.depth.assign(n, 0.0f);
     film.variance.assign(n, 0.0f);
     film.samples = 0;
+    picture.channels.clear();
+    for (const ChannelLabel& label : settings.light.channels)
+        picture.channels.push_back({label.name, std::vector<Rgb>(n), label.number});
 }
 
-bool has_size(const Film& film, int width, int height) {
-    const auto n = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-    return film.width == width && film.height == height && film.radiance.size() == n &&
-           film.alpha.size() == n && film.albedo.size() == n && film.normal.size() == n &&
-           film.depth.size() == n && film.variance.size() == n;
+/// True when the picture is one that these settings can go on with.
+bool can_go_on(const ChannelFilm& picture, const RenderSettings& settings) {
+    const std::size_t n = pixel_count(settings);
+    const Film& film = picture.film;
+    bool fits = film.passes > 0 && film.width == settings.width && film.height == settings.height &&
+                film.radiance.size() == n && film.alpha.size() == n && film.albedo.size() == n &&
+                film.normal.size() == n && film.depth.size() == n && film.variance.size() == n &&
+                picture.channels.size() == settings.light.channels.size();
+    for (const LightChannel& channel : picture.channels)
+        fits = fits && channel.radiance.size() == n;
+    return fits;
 }
 
 /// As many threads as asked for, 0 being all, but not more than this process may use at once.
@@ -80,125 +71,6 @@ int usable_threads(int asked) {
         tbb::global_control::active_value(tbb::global_control::max_allowed_parallelism));
     return asked > 0 ? std::min(asked, most) : most;
 }
-
-/// Takes a sample into the running means of a pixel. Depth is a mean over what was hit.
-void add_sample(Film& film, std::size_t pixel, const PathResult& path, std::uint32_t before) {
-    const float share = 1.0f / (static_cast<float>(before) + 1.0f);
-    const float light = luminance(path.radiance), before_mean = luminance(film.radiance[pixel]);
-    film.radiance[pixel] += (path.radiance - film.radiance[pixel]) * share;
-    const float spread = (light - before_mean) * (light - luminance(film.radiance[pixel]));
-    film.variance[pixel] += (spread - film.variance[pixel]) * share; // Welford 1962
-    film.albedo[pixel] += (path.albedo - film.albedo[pixel]) * share;
-    film.normal[pixel] += (path.normal - film.normal[pixel]) * share;
-    film.alpha[pixel] += (path.alpha - film.alpha[pixel]) * share;
-    if (path.alpha > 0) {
-        const float weight = path.alpha * share / std::max(film.alpha[pixel], 1e-9f);
-        film.depth[pixel] += (path.depth - film.depth[pixel]) * std::min(weight, 1.0f);
-    }
-}
-
-/// One render under way: what the tiles share.
-class Job {
-public:
-    Job(const Integrator& integrator, const RenderSettings& settings, Film& film,
-        const Renderer::ProgressCallback& progress)
-      : integrator_(integrator)
-      , settings_(settings)
-      , film_(film)
-      , progress_(progress) {}
-
-    /// Renders one pass; false when it was stopped in its midst.
-    bool run_pass(int pass, tbb::task_arena& arena, int threads) {
-        next_tile_ = 0;
-        finished_tiles_ = 0;
-        pass_ = pass;
-        arena.execute([&] {
-            tbb::parallel_for(
-                0, threads, [&](int) { work(); }, tbb::simple_partitioner());
-        });
-        return !stopped();
-    }
-    /// Asks the callback even if it was asked a moment ago; false when the render must stop.
-    bool report() {
-        const std::lock_guard lock(callback_mutex_);
-        call_back();
-        return !stopped();
-    }
-    bool stopped() const { return cancelled_ || late_; }
-    Outcome outcome() const {
-        return cancelled_ ? Outcome::cancelled : late_ ? Outcome::time_limit : Outcome::finished;
-    }
-    double elapsed() const {
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
-    }
-    void set_passes_done(int passes) { passes_done_ = passes; }
-    void check_time() {
-        if (settings_.max_seconds > 0 && elapsed() >= settings_.max_seconds)
-            late_ = true;
-    }
-
-private:
-    int tiles_across() const { return (settings_.width + tile_size - 1) / tile_size; }
-    int tile_count() const {
-        return tiles_across() * ((settings_.height + tile_size - 1) / tile_size);
-    }
-    void work() {
-        const FlushDenormals flush;
-        for (int tile = next_tile_++; tile < tile_count() && !stopped(); tile = next_tile_++) {
-            render_tile(tile);
-            ++finished_tiles_;
-            between_tiles();
-        }
-    }
-    void render_tile(int tile) {
-        const int x0 = tile % tiles_across() * tile_size, y0 = tile / tiles_across() * tile_size;
-        const int x1 = std::min(x0 + tile_size, settings_.width);
-        const int y1 = std::min(y0 + tile_size, settings_.height);
-        for (int y = y0; y < y1; ++y)
-            for (int x = x0; x < x1 && !stopped(); ++x)
-                render_pixel(x, y);
-    }
-    void render_pixel(int x, int y) {
-        const auto pixel = static_cast<std::size_t>(y) * static_cast<std::size_t>(settings_.width) +
-                           static_cast<std::size_t>(x);
-        const auto count = static_cast<std::uint32_t>(settings_.samples_per_pass);
-        const std::uint32_t first = static_cast<std::uint32_t>(pass_) * count;
-        for (std::uint32_t s = first; s < first + count; ++s)
-            add_sample(film_, pixel, integrator_.trace_sample(x, y, s), s);
-    }
-    void between_tiles() {
-        check_time();
-        if (!progress_ || !callback_mutex_.try_lock())
-            return;
-        const std::lock_guard lock(callback_mutex_, std::adopt_lock);
-        if (elapsed() - last_callback_ >= callback_interval)
-            call_back();
-    }
-    void call_back() {
-        if (!progress_ || cancelled_)
-            return;
-        last_callback_ = elapsed();
-        Progress p;
-        p.pass = passes_done_;
-        p.passes = settings_.passes;
-        const double part = passes_done_ > pass_ ? 0.0 : double(finished_tiles_) / tile_count();
-        p.fraction = std::min(1.0, (passes_done_ + part) / settings_.passes);
-        p.elapsed_seconds = last_callback_;
-        if (!progress_(p))
-            cancelled_ = true;
-    }
-
-    const Integrator& integrator_;
-    const RenderSettings& settings_;
-    Film& film_;
-    const Renderer::ProgressCallback& progress_;
-    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
-    std::atomic<int> next_tile_ = 0, finished_tiles_ = 0;
-    int pass_ = 0, passes_done_ = 0;
-    std::atomic<bool> cancelled_ = false, late_ = false;
-    std::mutex callback_mutex_;
-    double last_callback_ = 0;
-};
 
 } // namespace
 
@@ -228,35 +100,66 @@ Renderer::~Renderer() = default;
 Renderer::Renderer(Renderer&&) noexcept = default;
 Renderer& Renderer::operator=(Renderer&&) noexcept = default;
 
-Outcome Renderer::render(const RenderSettings& settings, Film& film,
-                         const ProgressCallback& progress, const PassCallback& pass_done) {
+Outcome Renderer::run(const RenderSettings& settings, ChannelFilm& working, RenderControl& control,
+                      const ProgressCallback& progress, const std::function<void()>& pass_done) {
     check(settings);
     const FlushDenormals flush;
     const Integrator integrator(impl_->accel, impl_->scene, settings);
-    const bool resumed = settings.resume && has_size(film, settings.width, settings.height);
-    if (!resumed)
-        clear(film, settings.width, settings.height);
+    if (!settings.resume || !can_go_on(working, settings))
+        clear(working, settings);
     const int threads = usable_threads(settings.threads > 0 ? settings.threads : impl_->threads);
     tbb::task_arena arena(threads);
-    Film working = film; // a pass that is stopped in its midst must leave no trace in the film
-    Job job(integrator, settings, working, progress);
-    job.set_passes_done(film.passes);
-    for (int pass = film.passes; pass < settings.passes; ++pass) {
-        if (!job.run_pass(pass, arena, threads)) {
-            if (film.passes == 0)
-                film = std::move(working);
+    TileJob job(integrator, settings, working, control, progress);
+    job.set_passes_done(working.film.passes);
+    for (int pass = working.film.passes; pass < job.passes_asked(); ++pass) {
+        if (!job.run_pass(pass, arena, threads))
             return job.outcome();
-        }
-        working.passes = pass + 1;
-        working.samples = (pass + 1) * settings.samples_per_pass;
-        film = working;
+        working.film.passes = pass + 1;
+        working.film.samples = (pass + 1) * settings.samples_per_pass;
         job.set_passes_done(pass + 1);
-        if (pass_done)
-            pass_done(film);
-        if (!job.report() && pass + 1 < settings.passes)
+        pass_done();
+        if (!job.report() && pass + 1 < job.passes_asked())
             return job.outcome();
     }
     return Outcome::finished;
+}
+
+Outcome Renderer::render(const RenderSettings& settings, Film& film,
+                         const ProgressCallback& progress, const PassCallback& pass_done) {
+    RenderSettings whole = settings;
+    whole.light = {};
+    RenderControl control;
+    ChannelFilm working; // a pass that is stopped in its midst must leave no trace in the film
+    if (settings.resume)
+        working.film = film;
+    bool whole_passes = can_go_on(working, whole);
+    const Outcome outcome = run(whole, working, control, progress, [&] {
+        film = working.film;
+        whole_passes = true;
+        if (pass_done)
+            pass_done(film);
+    });
+    if (!whole_passes)
+        film = std::move(working.film);
+    return outcome;
+}
+
+Outcome Renderer::render(const RenderSettings& settings, SharedPicture& picture,
+                         RenderControl& control, const ProgressCallback& progress,
+                         const PictureCallback& pass_done) {
+    ChannelFilm working;
+    if (settings.resume && picture)
+        working = *picture;
+    bool whole_passes = can_go_on(working, settings);
+    const Outcome outcome = run(settings, working, control, progress, [&] {
+        picture = std::make_shared<const ChannelFilm>(working);
+        whole_passes = true;
+        if (pass_done)
+            pass_done(picture);
+    });
+    if (!whole_passes)
+        picture = std::make_shared<const ChannelFilm>(std::move(working));
+    return outcome;
 }
 
 std::size_t Renderer::triangle_count() const { return impl_->accel.triangle_count(); }

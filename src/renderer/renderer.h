@@ -2,6 +2,8 @@
 #pragma once
 
 #include "renderer/film.h"
+#include "renderer/light_channels.h"
+#include "renderer/render_control.h"
 #include "renderer/scene.h"
 
 #include <functional>
@@ -42,10 +44,25 @@ public:
     Outcome render(const RenderSettings& settings, Film& film,
                    const ProgressCallback& progress = {}, const PassCallback& pass_done = {});
 
+    /// A finished copy, which nobody changes any more.
+    using SharedPicture = std::shared_ptr<const ChannelFilm>;
+    /// Called after each finished pass, on the thread that renders.
+    using PictureCallback = std::function<void(const SharedPicture&)>;
+
+    /// The same, steered through `control`, with light by channel as the settings ask. With
+    /// `settings.resume` it goes on from `picture`, which is what it would have been had all passes
+    /// been asked for at once. On return `picture` is the newest. A stop through `control` counts
+    /// as cancelled; pauses do not count as time.
+    Outcome render(const RenderSettings& settings, SharedPicture& picture, RenderControl& control,
+                   const ProgressCallback& progress = {}, const PictureCallback& pass_done = {});
+
     std::size_t triangle_count() const;
     std::size_t skipped_triangle_count() const;
 
 private:
+    Outcome run(const RenderSettings& settings, ChannelFilm& working, RenderControl& control,
+                const ProgressCallback& progress, const std::function<void()>& pass_done);
+
     struct Impl;
     std::unique_ptr<Impl> impl_;
 };

@@ -31,6 +31,7 @@ struct Material {
     float transmission = 0.0f;        ///< share of light that passes a thin pane, 0 to 1
     float ior = 1.5f;
     Rgb emission{0, 0, 0}; ///< radiance; found by chance, so small lamps come out noisy
+    int light_channel = 0; ///< of the emission; index into ChannelSettings::channels
 };
 
 /// The sun as a disc of uniform radiance.
@@ -83,6 +84,19 @@ struct Scene {
     Camera camera;
 };
 
+/// A channel of light: what people call it, and its number in the settings.
+struct ChannelLabel {
+    std::string name;
+    int number = 0;
+};
+
+/// Which light is kept apart. A light's channel is an index into `channels`.
+struct ChannelSettings {
+    std::vector<ChannelLabel> channels; ///< most_channels at most; none: light is not kept apart
+    int sun = 0;
+    int sky = 0; ///< and whatever else the environment gives
+};
+
 struct RenderSettings {
     int width = 1200;
     int height = 800;
@@ -98,6 +112,7 @@ struct RenderSettings {
     float clamp_factor = 0;
     float filter_radius = 1.5f; ///< pixels, Blackman-Harris
     bool resume = false;        ///< goes on from the passes that the film holds, if its size fits
+    ChannelSettings light;      ///< costs nothing without channels, and a little for each
 };
 
 } // namespace renderer
