@@ -149,8 +149,9 @@ void RenderWindow::show_toned(const TonedPicture& toned) {
     std::vector<ChannelChoice> choices;
     bool same = model_.channels().size() == toned.film->channels.size();
     for (const renderer::LightChannel& channel : toned.film->channels) {
-        choices.push_back(picture_->channel_choice(channel.name));
+        choices.push_back(picture_->channel_choice(choices.size(), channel));
         choices.back().name = channel.name;
+        choices.back().number = channel.number;
         same = same && model_.channels()[choices.size() - 1].name == channel.name;
     }
     model_.set_picture(toned.number);

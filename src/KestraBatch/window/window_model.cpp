@@ -72,9 +72,7 @@ std::filesystem::path with_kind(const std::filesystem::path& name, int kind) {
     return name.string() + "." + picture_kind(kind).extension;
 }
 
-WindowModel::WindowModel() {
-    show_rendered(ToneSettings{});
-}
+WindowModel::WindowModel() { show_rendered(ToneSettings{}); }
 
 /// The tone that a picture comes with; what the user has set stays.
 void WindowModel::show_rendered(const ToneSettings& tone) {
@@ -184,7 +182,7 @@ bool WindowModel::is_channel_changed(int channel) const {
 
 void WindowModel::set_channel(int channel, double percent, bool on) {
     ChannelChoice& own = channels_.at(static_cast<std::size_t>(channel));
-    const ChannelChoice wanted{own.name, std::clamp(percent, 0.0, 200.0), on};
+    const ChannelChoice wanted{own.name, std::clamp(percent, 0.0, 200.0), on, own.number};
     if (!same_channel(own, wanted)) {
         own = wanted;
         touch();

@@ -17,6 +17,7 @@ struct ChannelChoice {
     std::string name;
     double percent = 100; ///< 0 to 200
     bool on = true;
+    int number = 0; ///< as LightChannel::number
 };
 
 struct SettingLine {
@@ -52,8 +53,9 @@ public:
     virtual bool take_picture(std::uint64_t& known, renderer::ChannelFilm& picture) const = 0;
     /// Asked once for each render, from SessionState::rendering on.
     virtual PictureFacts facts() = 0;
-    /// How a channel of that name was set when the picture was made.
-    virtual ChannelChoice channel_choice(const std::string& name) const = 0;
+    /// How the channel at that place of the film was set when the picture was made.
+    virtual ChannelChoice channel_choice(std::size_t index,
+                                         const renderer::LightChannel& channel) const = 0;
 
     /// As RenderSession::save.
     virtual bool save(const std::filesystem::path& path, const renderer::ChannelWeights& weights,

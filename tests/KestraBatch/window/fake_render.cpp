@@ -162,7 +162,7 @@ void FakePicture::render_pass(int pass) {
     next.film.passes = pass;
     next.film.radiance.assign(std::size_t{width} * height, {});
     for (int c = 0; c < channels; ++c) {
-        renderer::LightChannel channel{channel_names[c], {}};
+        renderer::LightChannel channel{channel_names[c], {}, c};
         channel.radiance.reserve(next.film.radiance.size());
         for (std::uint32_t y = 0; y < height; ++y) {
             for (std::uint32_t x = 0; x < width; ++x) {
@@ -210,8 +210,9 @@ PictureFacts FakePicture::facts() {
     return facts;
 }
 
-ChannelChoice FakePicture::channel_choice(const std::string& name) const {
-    return {name, name == "Lamps" ? 120.0 : 100.0, true};
+ChannelChoice FakePicture::channel_choice(std::size_t,
+                                          const renderer::LightChannel& channel) const {
+    return {channel.name, channel.name == "Lamps" ? 120.0 : 100.0, true};
 }
 
 bool FakePicture::save(const std::filesystem::path& path, const renderer::ChannelWeights& weights,

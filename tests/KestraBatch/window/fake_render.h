@@ -37,7 +37,8 @@ public:
     KestraBatch::SessionStatus status() override;
     bool take_picture(std::uint64_t& known, renderer::ChannelFilm& picture) const override;
     KestraBatch::PictureFacts facts() override;
-    KestraBatch::ChannelChoice channel_choice(const std::string& name) const override;
+    KestraBatch::ChannelChoice channel_choice(std::size_t index,
+                                              const renderer::LightChannel& channel) const override;
     bool save(const std::filesystem::path& path, const renderer::ChannelWeights& weights,
               const renderer::ToneSettings& tone, std::string& error) override;
     bool keep_settings(const renderer::ToneSettings& tone,

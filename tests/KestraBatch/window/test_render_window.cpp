@@ -315,7 +315,7 @@ TEST_F(RenderWindowTest, opens_a_picture_from_a_file) {
     EXPECT_FALSE(window_->open_file(saved)) << "the render is not saved";
     answer_.kind = CloseAnswer::discard;
     ASSERT_TRUE(window_->open_file(saved));
-    ASSERT_TRUE(wait_until_shown());
+    ASSERT_TRUE(wait_for([&] { return window_->model().is_saved(); }));
     EXPECT_FALSE(window_->action(WindowCommand::again).isEnabled());
     EXPECT_TRUE(window_->close());
     EXPECT_EQ(questions_.size(), 2u) << "unchanged, it is saved already";
