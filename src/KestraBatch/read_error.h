@@ -19,7 +19,8 @@ enum class ExitCode {
     input_unreadable = 3, ///< a file is there, but is damaged or cannot be read
     missing = 4,          ///< something that the folder names is not there
     output_unwritable = 5,
-    limit = 6, ///< a size limit, or memory
+    limit = 6,     ///< a size limit, or memory
+    cancelled = 7, ///< a dialog was cancelled, or is not there
     interrupted = 130,
     terminated = 143,
 };

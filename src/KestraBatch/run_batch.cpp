@@ -2,6 +2,7 @@
 #include "KestraBatch/run_batch.h"
 
 #include "KestraBatch/batch_folder.h"
+#include "KestraBatch/command_words.h"
 #include "KestraBatch/render_job.h"
 #include "KestraBatch/renderer_scene.h"
 #include "omb/globals/globals.h"
@@ -19,23 +20,12 @@ namespace {
 
 constexpr std::string_view usage_text =
     "usage: KestraBatch64 PARAMETER_FILE\n"
-    "Renders the batch folder that the parameter file describes and saves the picture.\n"
+    "       KestraBatch64 WORD:ARGUMENT\n"
+    "Renders the batch folder that the parameter file describes and saves the picture, or runs\n"
+    "the dialog of a command word.\n"
     "  -h, --help     this text\n"
     "  -V, --version  the program's version\n"
     "QORVANE_PROGRESS=FILE in the environment sends progress there, a JSON object a line.";
-
-/// Command words of dialogs, which stand before a colon and a parameter file.
-constexpr auto dialog_words = std::to_array<std::string_view>({
-    "qorvane_ac_setup",
-    "qorvane_delta_OEM_setup",
-    "show_acad_layers_and_matls_dlg",
-    "show_start_rendering_dialog",
-    "edit_materials_in_omb_ac_folder_dialog",
-    "browse_for_material",
-    "create_material",
-    "select_decal",
-    "copy_project_render_folder",
-});
 
 constexpr int interrupt_signal = 2;
 
@@ -174,12 +164,13 @@ private:
     std::vector<std::string> saved_;
 };
 
-/// The dialog word that an argument begins with, or an empty text.
-std::string_view dialog_word(std::string_view argument) {
-    const std::string_view word = argument.substr(0, argument.find(':'));
-    const bool known =
-        std::find(dialog_words.begin(), dialog_words.end(), word) != dialog_words.end();
-    return word.size() < argument.size() && known ? word : std::string_view();
+int run_guarded_command(const Command& command, cl_batch_output& out, const BatchRun& run) {
+    try {
+        return static_cast<int>(run_command(command, out, run.next_event));
+    } catch (const std::exception& error) {
+        out.error(command.word + ": " + error.what());
+        return static_cast<int>(ExitCode::failed);
+    }
 }
 
 } // namespace
@@ -195,9 +186,8 @@ int run_batch(const std::vector<std::string>& arguments, cl_batch_output& out,
         out.message(run.program_version);
         return static_cast<int>(ExitCode::done);
     }
-    if (const auto word = dialog_word(first); !word.empty()) {
-        out.error("the dialog '" + std::string(word) + "' is not there yet");
-        return static_cast<int>(ExitCode::usage);
+    if (const auto command = parse_command(arguments)) {
+        return run_guarded_command(*command, out, run);
     }
     if (arguments.size() != 1 || first.empty() || first.front() == '-') {
         out.error(std::string(usage_text));

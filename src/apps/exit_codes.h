@@ -11,6 +11,7 @@ enum ExitCode {
     kMissing = 4,    ///< something that the input names is missing
     kUnwritable = 5, ///< the output cannot be written
     kLimit = 6,      ///< a limit, or memory
+    kCancelled = 7,  ///< a dialog of the batch process was cancelled, or is not there
     kInterrupted = 130,
     kTerminated = 143
 };

@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <ctime>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -50,11 +51,25 @@ void on_signal(int number) {
 /// the signal that comes after it, because saving takes its time, does not cut the saving short.
 void take_messages(platform::MessagePort& port) {
     while (const auto message = port.poll()) {
-        if (message->number == platform::WM_CLOSE) {
+        const auto event = KestraBatch::dialog_event(*message);
+        if (event && event->kind == KestraBatch::DialogEvent::Kind::close) {
             int none = 0;
             stop_signal.compare_exchange_strong(none, SIGTERM);
         }
     }
+}
+
+/// The next message that means something to a dialog; a signal asks it to close.
+std::optional<KestraBatch::DialogEvent> next_dialog_event(platform::MessagePort& port) {
+    if (stop_signal.load() != 0) {
+        return KestraBatch::DialogEvent{};
+    }
+    while (const auto message = port.poll()) {
+        if (auto event = KestraBatch::dialog_event(*message)) {
+            return event;
+        }
+    }
+    return std::nullopt;
 }
 
 /// Messages on standard error; the state in one line that is written over on a terminal.
@@ -118,6 +133,7 @@ int main(int argc, char** argv) {
     std::string why;
     if (port.open(why)) {
         run.take_messages = [&port] { take_messages(port); };
+        run.next_event = [&port] { return next_dialog_event(port); };
     } else {
         OMB_TRACE(1, "No messages from other programs: %s", why);
     }

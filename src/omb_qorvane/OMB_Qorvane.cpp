@@ -1,11 +1,14 @@
 // Start and stop of the module, and its first use.
 #include "omb_qorvane/OMB_Qorvane.h"
 
+#include "omb/base/errors.h"
 #include "omb/base/trace.h"
 #include "omb/globals/catalogue.h"
 #include "omb/globals/globals.h"
 #include "omb/globals/trace_values.h"
+#include "omb_qorvane/batch_calls.h"
 #include "omb_qorvane/command_table.h"
+#include "omb_qorvane/sample_classes.h"
 #include "omb_qorvane/ts_ac_world_draw.h"
 
 namespace {
@@ -58,11 +61,25 @@ void AsdkCommandReactor::commandFailed(const std::string& name) {
     OMB_TRACE(1, "Command failed: %s", name);
 }
 
+void AsdkCommandReactor::beginSave(AcDbDatabase* database, const std::string&) {
+    saving_ = database;
+    old_name_ = database != nullptr ? database->filename() : std::string();
+}
+
+void AsdkCommandReactor::saveComplete(AcDbDatabase* database, const std::string& actual_name) {
+    if (database != saving_ || actual_name == old_name_) {
+        return;
+    }
+    saving_ = nullptr;
+    run_at_boundary("Error after saving", [&] { copy_batch_settings(old_name_, actual_name); });
+}
+
 void start_omb_qorvane(const std::string& module_folder) {
     used = false;
     StartTsAcToolkit();
     theApp_instance = std::make_unique<cl_omb_qorvane_app>(module_folder);
     register_draw_classes();
+    MyClass::rxInit();
     add_commands(hand_added_commands());
     add_commands(command_table());
     add_reactors();
@@ -72,6 +89,7 @@ void start_omb_qorvane(const std::string& module_folder) {
 void stop_omb_qorvane() {
     acedRegCmds().removeGroup(command_group);
     remove_reactors();
+    MyClass::rxRemove();
     theApp_instance.reset();
     StopTsAcToolkit();
     globals.clear();
@@ -88,7 +106,10 @@ std::uintptr_t first_use() {
         dc_set_trace_values();
     }
     if (window == 0) {
-        OMB_TRACE(0, "OMB_Qorvane Unable to locate AutoCAD parent window.");
+        OMB_TRACE(0, "%s", no_parent_window);
+        if (first) { // a host without windows would hear it with every command
+            acutPrintf(std::string("\n") + no_parent_window + "\n");
+        }
     }
     return window;
 }

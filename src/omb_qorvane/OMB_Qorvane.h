@@ -16,10 +16,16 @@ public:
     void documentToBeDestroyed(AcApDocument* document) override;
 };
 
-/// Follows the host's commands in the trace.
+/// Follows the host's commands in the trace, and saves under new names.
 class AsdkCommandReactor : public AcEditorReactor {
 public:
     void commandFailed(const std::string& name) override;
+    void beginSave(AcDbDatabase* database, const std::string& intended_name) override;
+    void saveComplete(AcDbDatabase* database, const std::string& actual_name) override;
+
+private:
+    AcDbDatabase* saving_ = nullptr;
+    std::string old_name_;
 };
 
 /// The application object. The host calls it by message number.

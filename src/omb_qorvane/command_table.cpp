@@ -6,6 +6,7 @@
 #include "omb/globals/catalogue.h"
 #include "omb/globals/globals.h"
 #include "omb_qorvane/OMB_Qorvane.h"
+#include "omb_qorvane/commands.h"
 #include "omb_qorvane/driver.h"
 
 #include <array>
@@ -22,20 +23,12 @@ void omb_addons_dlg() {
     first_use();
     tell_missing("OMB_ADDONS_DLG");
 }
-void omb_ac_render_ready() {
-    first_use();
-    set_global_int("bks_is_green_button_app", 1);
-    tell_missing("OMB_AC_RENDER_READY");
-    acedPostCommandPrompt();
-}
+void omb_ac_render_ready() { open_render_ready(first_use()); }
 void omb_image_wizard() {
     first_use();
     tell_missing("OMB_IMAGE_WIZARD");
 }
-void omb_ac_layer_materials() {
-    first_use();
-    tell_missing("OMB_AC_LAYER_MATERIALS");
-}
+void omb_ac_layer_materials() { open_layer_materials(first_use()); }
 void omb_auto_refl() {
     first_use();
     tell_missing("OMB_AUTO_REFL");
@@ -48,10 +41,7 @@ void OMB_GREEN_BUTTON() {
     first_use();
     green_button_command();
 }
-void QORB() {
-    first_use();
-    tell_missing("QORB");
-}
+void QORB() { open_control_panel(first_use()); }
 
 /// The next word typed behind the command, when it is a number, is the start code.
 int pending_start_code() {

@@ -1,106 +1,88 @@
-// The plain start.
+// The starts as lists of steps, and how they run.
 #include "omb_qorvane/driver.h"
 
-#include "host/db/symbol_tables.h"
-#include "omb/base/message_box.h"
-#include "omb/base/registry.h"
-#include "omb/base/trace.h"
-#include "omb/globals/globals.h"
+#include "omb_qorvane/start_steps.h"
 #include "omb_qorvane/the_app.h"
-#include "omb_qorvane/units.h"
+
+#include <array>
 
 namespace {
 
-constexpr const char* no_view = "Cannot Render view.\n\nCould not get a 3D view for Rendering.\n\n"
-                                "Try a 3D View in Model Space.";
-constexpr const char* about_value =
-    "HKEY_CURRENT_USER\\Software\\Ombrel Systems\\Profile\\Globals\\"
-    "bks_show_about_dialog_before_rendering";
+using namespace start_steps;
 
-/// Goes on unless the about box was asked for and refused; there is no such box yet.
-bool pass_about_dialog() {
-    std::uint32_t show = 0;
-    if (get_int_from_registry(about_value, show) && show != 0) {
-        acutPrintf("\nThe about dialog is not there yet.\n");
-    }
-    return true;
-}
+// Every start takes its code first: the folder that its steps work in belongs to the code. What a
+// start forces goes into the drawing's settings, because the extraction resets the globals in its
+// middle and reads those over them.
+constexpr auto plain_steps = std::to_array<start_step>(
+    {take_code, test_view, test_selection, reset_light_numbers, reset_lights_and_images,
+     read_settings, pass_about_dialog, take_units, pass_start_dialog, save_settings, show_progress,
+     extract});
+constexpr auto asuni_steps = std::to_array<start_step>(
+    {take_code, take_document, test_view, take_sun_from_host, reset_light_numbers,
+     reset_lights_and_images, make_settings, read_settings, pass_asuni_dialog,
+     write_drawing_settings, save_settings, append_own_settings, show_progress, extract});
+constexpr auto delta_steps = std::to_array<start_step>(
+    {take_code, take_document, reset_light_numbers, reset_lights_and_images, load_delta_defaults,
+     take_background, save_settings, show_progress, extract});
+constexpr auto delta_oem_steps =
+    std::to_array<start_step>({take_code, take_document, reset_light_numbers,
+                               reset_lights_and_images, show_progress, extract});
+constexpr auto gbcad_steps = std::to_array<start_step>(
+    {take_code, take_document, test_view, take_sun_from_host, reset_light_numbers,
+     reset_lights_and_images, make_settings, read_settings, keep_about_switch, force_gbcad_globals,
+     write_drawing_settings, save_settings, append_own_settings, show_progress, extract});
+constexpr auto zwcad_steps = std::to_array<start_step>(
+    {take_code, take_document, test_view, take_sun_from_host, reset_light_numbers,
+     reset_lights_and_images, make_light_folder, preset_settings, take_units, pass_zwcad_dialog,
+     write_drawing_settings, save_settings, print_saving, extract});
+constexpr auto brics_steps = std::to_array<start_step>(
+    {take_code, take_document, test_view, take_sun_from_host, reset_light_numbers,
+     reset_lights_and_images, make_light_folder, preset_settings, read_drawing_settings,
+     pass_brics_start_dialog, save_settings, print_saving, save_drawing_with_lights, extract});
 
-/// What stands in for the start dialog: the settings as they are, confirmed.
-bool pass_start_dialog() {
-    if (!get_global_bool("bks_show_rendering_dialog")) {
-        return true;
-    }
-    set_global_int("iks_start_render_after_dialog_closed", start_after_dialog);
-    set_global_bool("bks_is_full_green_button", true);
-    set_global_bool("bqor_is_autocad", true);
-    set_global_bool("bqor_is_bricscad", true); // both, kept
-    set_global_bool("bqor_is_sketchup", false);
-    acutPrintf("\nThe start dialog is not there yet; rendering with the settings as they are.\n");
-    if (get_global_int("iks_start_render_after_dialog_closed") != start_after_dialog) {
-        set_global_int("iks_start_render_after_dialog_closed", 0);
-        return false;
-    }
-    theApp().omb_export.write_globals_to_OMB_QorvaneDictionary();
-    return true;
-}
+struct start_row {
+    int code;
+    std::span<const start_step> steps;
+};
+/// By start_kind.
+constexpr std::array<start_row, 7> starts{{{GREEN_BUTTON_NONE, plain_steps},
+                                           {GREEN_BUTTON_ASUNI, asuni_steps},
+                                           {GREEN_BUTTON_DELTA, delta_steps},
+                                           {GREEN_BUTTON_DELTA, delta_oem_steps},
+                                           {GREEN_BUTTON_GBCAD, gbcad_steps},
+                                           {GREEN_BUTTON_ZWCAD, zwcad_steps},
+                                           {GREEN_BUTTON_BRICS, brics_steps}}};
 
-void show_progress(const char* title, const char* text) {
-    if (theApp().progress_dialog != nullptr) {
-        theApp().progress_dialog->show(title, text);
-    }
-}
+/// The progress dialog goes however a start ends.
+struct progress_end {
+    progress_end() = default;
+    progress_end(const progress_end&) = delete;
+    progress_end& operator=(const progress_end&) = delete;
+    ~progress_end() { theApp().progress_dialog.reset(); }
+};
+
+const start_row& row_of(start_kind kind) { return starts.at(static_cast<std::size_t>(kind)); }
 
 } // namespace
 
-bool has_active_view() {
-    return static_cast<bool>(AcDbObjectPointer<AcDbViewportTableRecord>(acedActiveViewportId()));
-}
+std::span<const start_step> steps_of(start_kind kind) { return row_of(kind).steps; }
 
-bool has_something_to_render() {
-    AcEdSelectionSet set;
-    return acedSSGet("_A", set) == RTNORM && set.length() > 0;
-}
-
-int plain_start(int start_code, int mode) {
-    cl_omb_export& exporter = theApp().omb_export;
-    const bool ask = start_code != start_after_dialog;
+int run_start(start_kind kind, int start_code, int mode) {
+    const start_row& row = row_of(kind);
+    const progress_end end;
+    start_run run{green_button_info(row.code).program_name, row.code, start_code, mode,
+                  adsw_acadMainWnd()};
     theApp().refresh_document();
-    exporter.last_error.clear();
-    if (!has_active_view()) {
-        exporter.last_error = "Could not get a 3D view for rendering.";
-        do_message_box(no_view, "Qorvane");
-        return -1;
+    theApp().omb_export.last_error.clear();
+    for (const start_step step : row.steps) {
+        if (!step(run)) {
+            return -1;
+        }
     }
-    if (!has_something_to_render()) {
-        static constexpr const char* nothing =
-            "Cannot Render. No entities found to render in this view.";
-        exporter.last_error = nothing;
-        acutPrintf(std::string("\n") + nothing);
-        do_message_box(nothing, "Qorvane");
-        return -1;
-    }
-    exporter.green_button_app = GREEN_BUTTON_NONE;
-    exporter.next_light_number = 0;
-    exporter.dynamic_light_index = -1;
-    exporter.reset_lights_and_images();
-    exporter.read_options_globals_file();
-    if (ask && !pass_about_dialog()) {
-        return -1;
-    }
-    initialize_drawing_and_dcl_units();
-    if (ask && !pass_start_dialog()) {
-        return -1;
-    }
-    exporter.save_options_globals_file();
-    show_progress("Qorvane - Start Rendering", "Saving geometry.\nPlease wait...");
-    exporter.scan_only = exporter.scan_for_layer_dialog = false;
-    acutPrintf("Start ExtractGeometry.\n");
-    const int result = exporter.OMB_ExtractGeometryandRender(mode, nullptr, nullptr, "");
     theApp().progress_dialog.reset();
-    if (result != -1) {
+    if (run.result != -1) {
         acutPrintf("\nRendering Started.\n");
     }
     acedPostCommandPrompt();
-    return result;
+    return run.result;
 }

@@ -33,6 +33,16 @@ std::string folder_word(const std::string& drawing_name) {
     return drawing_name;
 }
 
+/// The plain start's folder as the environment names it; "" when it does not.
+std::string folder_from_environment(int green_button_app) {
+    const std::string wanted = green_button_app == GREEN_BUTTON_NONE
+                                   ? platform::environment("QORVANE_BATCH_FOLDER")
+                                   : std::string();
+    std::error_code ignored;
+    return wanted.empty() ? wanted
+                          : std::filesystem::absolute(wanted, ignored).lexically_normal().string();
+}
+
 /// A folder of the older place is copied over once; it stays.
 void copy_from_older_place(const std::string& folder, const std::string& word) {
     const std::string older =
@@ -52,31 +62,31 @@ std::string cl_omb_export::get_drawing_name() const {
     return document != nullptr ? path_stem(document->fileName()) : std::string();
 }
 
+std::string cl_omb_export::drawing_folder_of(const std::string& drawing_name) const {
+    const std::string given = folder_from_environment(green_button_app);
+    if (!given.empty()) {
+        return given;
+    }
+    const char* fixed_word = green_button_info(green_button_app).folder_word;
+    return join_path(join_path(join_path(get_application_data_folder(), "Qorvane"), "OMB_Data"),
+                     fixed_word != nullptr ? fixed_word : folder_word(drawing_name));
+}
+
 std::string cl_omb_export::get_drawing_files_folder() {
     if (current_document() == nullptr) {
         return {};
     }
-    const bool plain = green_button_app == GREEN_BUTTON_NONE;
-    const std::string wanted = platform::environment("QORVANE_BATCH_FOLDER");
-    if (plain && !wanted.empty()) {
-        std::error_code ignored;
-        const std::string given =
-            std::filesystem::absolute(wanted, ignored).lexically_normal().string();
-        made(given); // when it cannot be made, what is written there says so
-        return given;
+    const std::string name = get_drawing_name();
+    const std::string folder = drawing_folder_of(name);
+    if (!folder_from_environment(green_button_app).empty()) {
+        made(folder); // when it cannot be made, what is written there says so
+        return folder;
     }
-    std::string folder = get_application_data_folder();
-    for (const char* level : {"Qorvane", "OMB_Data"}) {
-        folder = made(join_path(folder, level));
-        if (folder.empty()) {
-            return {};
-        }
+    if (get_application_data_folder().empty()) {
+        return {};
     }
-    const std::string word =
-        plain ? folder_word(get_drawing_name()) : green_button_info(green_button_app).folder_word;
-    folder = join_path(folder, word);
-    if (plain) {
-        copy_from_older_place(folder, word);
+    if (green_button_app == GREEN_BUTTON_NONE) {
+        copy_from_older_place(folder, folder_word(name));
     }
     return made(folder);
 }

@@ -9,6 +9,7 @@
 #include "omb_qorvane/the_app.h"
 
 #include <algorithm>
+#include <array>
 #include <fmt/format.h>
 
 namespace {
@@ -16,8 +17,6 @@ namespace {
 constexpr const char* code_file = "C:\\devc_2005\\green_button.txt";
 constexpr const char* last_code = "sks_last_green_button_code";
 constexpr const char* defaults_global = "sks_green_button_defaults";
-constexpr const char* no_view = "Cannot Render view.\n\nCould not get a 3D view for Rendering.\n\n"
-                                "Try a 3D View in Model Space.";
 
 std::string code_form(const std::string& text) { return omb::to_upper(omb::trim(text)); }
 
@@ -57,17 +56,15 @@ std::string without_dfl(std::string name) {
     return name;
 }
 
-/// No start but the plain one is there yet.
-void tell_missing_start(const std::string& code) {
-    const std::string text = fmt::format("The {} start is not there yet.", code);
-    acutPrintf("\n" + text + "\n");
-    do_message_box(text, "OMB Green Button");
+// Not of the catalogue: it loads itself, and lasts from one run of the host to the next.
+std::string last_green_button_code() {
+    find_global(last_code, SAVE_PROFILE, false);
+    return get_global_string(last_code);
 }
 
+void keep_code(const std::string& code) { set_global_string(last_code, code, SAVE_PROFILE); }
+
 void ask_delta_defaults() {
-    if (get_global_bool("bqor_is_acad_oem")) {
-        return;
-    }
     preset_globals(0);
     std::string name = get_global_string(defaults_global);
     if (!name.empty()) {
@@ -79,7 +76,7 @@ void ask_delta_defaults() {
 }
 
 std::string ask_for_code() {
-    const std::string last = get_global_string(last_code);
+    const std::string last = last_green_button_code();
     if (is_remembered_word(last)) {
         return last;
     }
@@ -104,7 +101,7 @@ bool asuni_module_is_loaded() {
 void green_button_command() {
     static constexpr const char* title = "Cannot Render view";
     if (!has_active_view()) {
-        do_message_box(no_view, title);
+        tell_no_view(title);
         return;
     }
     if (!has_something_to_render()) {
@@ -116,19 +113,33 @@ void green_button_command() {
         code = ask_for_code();
     }
     code = code_form(code);
-    if (green_button_code_of(code) < 0) {
+    const int number = green_button_code_of(code);
+    if (number < 0) {
         do_message_box("Invalid Green Button Code entered: " + code, "OMB Green Button");
         return;
     }
-    if (code == "DELTA") {
-        set_global_string(last_code, code);
-        ask_delta_defaults();
+    const start_kind kind = start_of_code(number);
+    if (number == GREEN_BUTTON_DELTA) { // the others' code is kept behind their start
+        keep_code(code);
+        if (kind == start_kind::delta) {
+            ask_delta_defaults();
+        }
     }
-    tell_missing_start(code);
-    set_global_string(last_code, code);
+    run_start(kind);
+    if (number != GREEN_BUTTON_DELTA) {
+        keep_code(code);
+    }
 }
 
-int get_green_button_code() {
+start_kind start_of_code(int code) {
+    static constexpr std::array<start_kind, 6> kinds{start_kind::plain, start_kind::asuni,
+                                                     start_kind::delta, start_kind::gbcad,
+                                                     start_kind::zwcad, start_kind::brics};
+    const bool oem = code == GREEN_BUTTON_DELTA && get_global_bool("bqor_is_acad_oem");
+    return oem ? start_kind::delta_oem : kinds.at(static_cast<std::size_t>(code));
+}
+
+int find_green_button_code() {
     std::string word = read_code_file(true).code;
     if (word.empty()) {
         word = code_form(ask_for_code());
@@ -148,7 +159,7 @@ int run_green_button(std::string code, std::string defaults) {
                                                     : code) +
         " - Cannot Render";
     if (!has_active_view()) {
-        do_message_box(no_view, title);
+        tell_no_view(title);
         return -1;
     }
     if (!has_something_to_render()) {
@@ -167,6 +178,10 @@ int run_green_button(std::string code, std::string defaults) {
         preset_globals(0);
         set_global_string(defaults_global, without_dfl(std::move(defaults)));
     }
-    tell_missing_start(code);
-    return 0;
+    if (adsw_acadMainWnd() == 0) {
+        do_message_box(no_parent_window, title);
+        return 0;
+    }
+    run_start(start_of_code(number));
+    return 1;
 }

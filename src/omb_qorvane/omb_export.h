@@ -43,6 +43,10 @@ const green_button_row& green_button_info(int code);
 /// The code of a word, or -1.
 int green_button_code_of(const std::string& word);
 
+/// Told when the host has no main window.
+inline constexpr const char* no_parent_window =
+    "OMB_Qorvane Unable to locate AutoCAD parent window.";
+
 enum extraction_mode : int {
     EXTRACT_AND_RENDER = 0,
     EXTRACT_SCAN = 1,       ///< layers and colours only, no files
@@ -65,6 +69,8 @@ public:
     std::string get_drawing_name() const;
     std::string get_drawing_files_folder();
     std::string get_batch_folder();
+    /// Where the files of a drawing of that name (without folder and extension) lie, made or not.
+    std::string drawing_folder_of(const std::string& drawing_name) const;
     std::string get_drawing_materials_folder();
     std::string get_material_images_folder(); ///< stores where the materials getter does
     std::string get_drawing_lights_folder();
@@ -80,6 +86,11 @@ public:
     /// The parameter file with everything that it names but stream and view. Its path, or "".
     std::string write_params_files();
     std::string get_renderbatch_exe() const;
+    /// Material dialogs in the batch program, by mode: -1 edit (the material `name`, or the
+    /// folder), -2 browse, -3 by layer, -4 start rendering, -5 create, -6 select a decal, others
+    /// edit from the list file. -2, -5 and -6 run beside the host in the temporary folder `name`;
+    /// the others are waited for. 1 when it ran, was started or asked, 0 when it could not.
+    int EditMaterials(std::uintptr_t parent, int mode, const std::string& name);
 
     // Settings.
     /// The drawing's settings dictionary, made empty when missing and `create`; null id without.
@@ -120,6 +131,9 @@ public:
     cl_output_file params_file, batch_file, map_file, view_file;
     std::int64_t last_process_id = 0, last_thread_id = 0;
     bool render_selection_set = false;
+    // The batch process whose material browser stays open beside the host.
+    std::int64_t dialog_process_id = 0, dialog_thread_id = 0;
+    std::string dialog_word, dialog_folder; ///< what it was asked for last
 
     std::string materials_folder, lights_folder, plants_folder, decals_folder, temp_images_folder;
     std::vector<std::string> find_file_folders; ///< of omb_add_search_path_for_FindFile
@@ -161,6 +175,12 @@ private:
     std::string params_text();
     bool write_view_file(AcDbObjectId viewport, double scale);
     void write_scan_report();
+    void write_scan_lines(cl_output_file& file) const;
+    bool write_list_file(const std::string& path) const;
+    // edit_materials.cpp
+    bool scan_materials(int mode);
+    int browse_beside(const char* word, const std::string& folder);
+    bool ask_running_browser(const char* word, const std::string& folder);
     std::string make_sub_folder(const char* name, std::string& member);
 
     std::unordered_set<std::string> material_layers_known_;

@@ -107,6 +107,9 @@ void cl_omb_export::bring_settings_up_to_date() {
         initialize_options_globals_file();
         read_globals_from_OMB_QorvaneDictionary();
         save_options_globals_file();
+        if (green_button_app == GREEN_BUTTON_ASUNI || green_button_app == GREEN_BUTTON_GBCAD) {
+            append_our_options_to_globals_file(); // once more: the file is a new one
+        }
     }
 }
 
@@ -192,8 +195,8 @@ std::string cl_omb_export::write_params_files() {
     write_doc_file(*document);
     const bool opened = params_file.open_atomic(params_path);
     if (opened) {
+        params_file.write_data(params_text()); // its words are those of before the reset
         bring_settings_up_to_date();
-        params_file.write_data(params_text());
         write_registry_entry("HKEY_CURRENT_USER\\SOFTWARE\\Ombrel Systems\\ts_support_files1",
                              {theApp().batch_exe_folder});
     }

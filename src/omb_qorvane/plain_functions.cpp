@@ -2,14 +2,20 @@
 #include "omb_qorvane/plain_functions.h"
 
 #include "omb/base/errors.h"
+#include "omb/base/text.h"
 #include "omb_qorvane/OMB_Qorvane.h"
+#include "omb_qorvane/batch_calls.h"
+#include "omb_qorvane/commands.h"
 #include "omb_qorvane/driver.h"
+#include "omb_qorvane/material_assignment.h"
 
 #include <algorithm>
 
 namespace {
 
 std::string text_of(const char* text) { return text != nullptr ? text : ""; }
+
+std::string code_form(const std::string& text) { return omb::to_upper(omb::trim(text)); }
 
 /// Exceptions end at the border of the module.
 template <class Work>
@@ -40,7 +46,11 @@ int omb_green_button(const char* code, const char* defaults) {
 int omb_oem_button(const char* code, const char* defaults) {
     return guarded(0, [&] {
         first_use();
-        acutPrintf("\nThe options dialog is not there yet.\n");
+        const int number = green_button_code_of(code_form(text_of(code)));
+        if (number > 0) { // whose options they are
+            theApp().omb_export.green_button_app = number;
+        }
+        show_options_dialog(adsw_acadMainWnd());
         return run_green_button(text_of(code), text_of(defaults));
     });
 }
@@ -67,6 +77,52 @@ int omb_add_search_path_for_FindFile(const char* folder) {
         }
         return 1;
     });
+}
+
+int get_green_button_code(void) {
+    return guarded(0, [] {
+        first_use();
+        return find_green_button_code();
+    });
+}
+
+int omb_materials(void) {
+    return guarded(0, [] {
+        const std::uintptr_t window = first_use();
+        if (window == 0) {
+            return 0;
+        }
+        open_layer_materials(window);
+        return 1;
+    });
+}
+
+int omb_render_ready(void) {
+    return guarded(0, [] {
+        const std::uintptr_t window = first_use();
+        if (window == 0) {
+            return 0;
+        }
+        open_render_ready(window);
+        return 1;
+    });
+}
+
+int omb_CreateMaterial(const char*, const char*, double, double, const char*) {
+    return guarded(0, [] {
+        acutPrintf("\nMaking a material is not there yet.\n");
+        return 0;
+    });
+}
+
+int omb_set_entity_material(const char* handle, const char* material) {
+    return guarded(
+        0, [&] { return assign_entity_material(text_of(handle), text_of(material)) ? 1 : 0; });
+}
+
+int omb_set_layer_material(const char* layer, const char* material) {
+    return guarded(
+        0, [&] { return assign_layer_material(text_of(layer), text_of(material)) ? 1 : 0; });
 }
 
 int omb_extract_batch_folder(void) {

@@ -1,6 +1,7 @@
-// The report of a scan. Nothing gives it a path in this system, so that it is not written; the
-// results of a scan stay in memory.
+// What a scan found, as text: the list file of the layer dialog, and a report of the same lines
+// that nothing in this system gives a path, so that it is not written.
 #include "host/db/symbol_tables.h"
+#include "omb/base/trace.h"
 #include "omb_qorvane/layer_facts.h"
 #include "omb_qorvane/record_text.h"
 #include "omb_qorvane/the_app.h"
@@ -27,26 +28,39 @@ void cl_omb_export::write_scan_report() {
     if (map_file_path.empty() || !map_file.open_atomic(map_file_path)) {
         return;
     }
-    map_file.write_fmt("SAPP,%s\nFOLDER,.\\Materials\nAPPLICATION_FOLDER,%s\n",
-                       green_button_info(green_button_app).calling_app,
-                       theApp().somb_support_folder);
-    write_layers(map_file, *acdbCurDwg());
+    write_scan_lines(map_file);
+    map_file.close();
+}
+
+bool cl_omb_export::write_list_file(const std::string& path) const {
+    cl_output_file file;
+    if (!file.open_atomic(path, false)) {
+        OMB_TRACE(1, "Cannot write list file: %s", path);
+        return false;
+    }
+    write_scan_lines(file);
+    return file.close();
+}
+
+void cl_omb_export::write_scan_lines(cl_output_file& file) const {
+    file.write_fmt("SAPP,%s\nFOLDER,.\\Materials\nAPPLICATION_FOLDER,%s\n",
+                   green_button_info(green_button_app).calling_app, theApp().somb_support_folder);
+    write_layers(file, *acdbCurDwg());
     for (const AcDbObjectId id : layer_ids) {
         const AcDbObjectPointer<AcDbLayerTableRecord> layer(id);
-        map_file.write_fmt("LAYR,%s\n", layer ? layer->getName() : std::string());
+        file.write_fmt("LAYR,%s\n", layer ? layer->getName() : std::string());
     }
     for (const int index : index_colors) {
-        map_file.write_fmt("LAYR,%s\n", color_index_key(index));
+        file.write_fmt("LAYR,%s\n", color_index_key(index));
     }
     for (const std::uint32_t bgr : rgb_colors) {
-        map_file.write_fmt("LAYR,RGB:(%d,%d,%d)\n", bgr & 0xff, bgr >> 8 & 0xff, bgr >> 16 & 0xff);
+        file.write_fmt("LAYR,RGB:(%d,%d,%d)\n", bgr & 0xff, bgr >> 8 & 0xff, bgr >> 16 & 0xff);
     }
     if (layer_ids.empty() && index_colors.empty() && rgb_colors.empty()) {
         int number = 0;
         for (const std::string& key : material_layer_array) {
-            map_file.write_fmt("%d. LAYR,%s\n", number++, key);
+            file.write_fmt("%d. LAYR,%s\n", number++, key);
         }
     }
-    map_file.write_fmt("LAYR,Qor_Ground_Plane\nLAYR,Qor_Default_Color\nMCUR,%s\n", mat_map_folder);
-    map_file.close();
+    file.write_fmt("LAYR,Qor_Ground_Plane\nLAYR,Qor_Default_Color\nMCUR,%s\n", mat_map_folder);
 }

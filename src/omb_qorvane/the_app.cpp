@@ -19,6 +19,15 @@ cl_omb_qorvane_app::cl_omb_qorvane_app(const std::string& module_folder)
     omb_export.application_folder = module_folder;
 }
 
+void cl_omb_qorvane_app::show_progress(const std::string& title, const std::string& text) {
+    if (progress_dialog == nullptr && make_progress_dialog) {
+        progress_dialog = make_progress_dialog();
+    }
+    if (progress_dialog != nullptr) {
+        progress_dialog->show(title, text);
+    }
+}
+
 bool cl_omb_qorvane_app::refresh_document() {
     tstoolkit = TsAcToolkit();
     tsdoc = tstoolkit != nullptr ? tstoolkit->CurrentDocument() : nullptr;

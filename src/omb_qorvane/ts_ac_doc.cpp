@@ -12,8 +12,14 @@ std::unique_ptr<CTsAcToolkit> the_toolkit;
 
 CTsAcDoc::CTsAcDoc(AcApDocument* document)
   : document_(document) {
-    m_UnitsValue = Database()->insunits();
+    TakeHostUnits();
     SetNotify([](int) { return !acedUsrBrk(); });
+}
+
+void CTsAcDoc::TakeHostUnits() {
+    m_UnitsValue = Database()->insunits();
+    double metres = 1;
+    SetScale(acdbGetUnitsConversion(m_UnitsValue, kAcDbUnitMeters, metres) ? metres : 1.0);
 }
 
 void CTsAcDoc::BuildTsAcMatTable() {

@@ -19,6 +19,9 @@ public:
     AcApDocument* Document() const { return document_; }
     AcDbDatabase* Database() const { return document_->database(); }
 
+    /// Unit code and scale by the drawing's insunits; 1 metre a unit when they say nothing.
+    void TakeHostUnits();
+
     /// The table's rows: all materials of the drawing in dictionary order. m_Materials has the
     /// converted material of each row, nameless where the host's cannot be opened.
     void BuildTsAcMatTable();

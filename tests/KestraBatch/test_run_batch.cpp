@@ -288,8 +288,6 @@ TEST(RunBatch, ArgumentsAreChecked) {
     EXPECT_EQ(run_batch({}, out), 2);
     EXPECT_EQ(run_batch({"a", "b"}, out), 2);
     EXPECT_EQ(run_batch({"--fast"}, out), 2);
-    EXPECT_EQ(run_batch({"qorvane_ac_setup:/x/params.txt"}, out), 2);
-    EXPECT_EQ(out.errors.back(), "the dialog 'qorvane_ac_setup' is not there yet");
     EXPECT_EQ(run_batch({"--help"}, out), 0);
     EXPECT_EQ(run_batch({"/nowhere/params.txt"}, out), 3);
     EXPECT_EQ(out.errors.back(), "/nowhere/params.txt: no such file");

@@ -23,10 +23,14 @@ protected:
 
 TEST_F(Shell, EveryCommandIsThereAndSaysWhatIsNot) {
     for (const char* name : {"omb_addons_dlg", "omb_ac_render_ready", "omb_image_wizard",
-                             "omb_ac_layer_materials", "OMB_AUTO_REFL", "omb_test", "QORB"}) {
+                             "OMB_AUTO_REFL", "omb_test", "QORB"}) {
         port.written.clear();
         EXPECT_TRUE(acedCommand(name)) << name;
-        EXPECT_THAT(port.written, HasSubstr(" is not there yet.\n")) << name;
+        EXPECT_THAT(port.written, HasSubstr(" is not there yet")) << name;
+    }
+    for (const AcEdCommand& command : acedRegCmds().commands()) {
+        EXPECT_EQ(command.group, "OMB_Qorvane") << command.global_name;
+        EXPECT_EQ(command.flags, ACRX_CMD_TRANSPARENT) << command.global_name;
     }
     EXPECT_NE(acedRegCmds().lookup("_OMB_GREEN_BUTTON"), nullptr);
     stop_omb_qorvane();
@@ -40,8 +44,8 @@ TEST_F(Shell, RenderTakesItsStartCode) {
     EXPECT_THAT(port.written, testing::Not(HasSubstr("start dialog")));
     EXPECT_THAT(file("batch_file.txt"), HasSubstr("END;\n"));
     EXPECT_TRUE(acedCommand("RENDER"));
-    EXPECT_THAT(port.written, HasSubstr("The start dialog is not there yet; rendering with the "
-                                        "settings as they are.\n"));
+    EXPECT_THAT(port.written, HasSubstr("kestra_start_rendering_modal is not there yet; going on "
+                                        "with the settings as they are.\n"));
 }
 
 TEST_F(Shell, GreenButtonAsksForItsCode) {
@@ -57,7 +61,8 @@ TEST_F(Shell, GreenButtonAsksForItsCode) {
     EXPECT_EQ(get_global_string("sks_last_green_button_code"), "");
     port.answers = {" brics "};
     acedCommand("OMB_GREEN_BUTTON");
-    EXPECT_EQ(box, "The BRICS start is not there yet.");
+    EXPECT_EQ(get_global_string("sks_last_green_button_code"), "BRICS");
+    EXPECT_EQ(theApp().omb_export.green_button_app, GREEN_BUTTON_BRICS);
     port.answers = {"delta", "mine.DFL"};
     acedCommand("OMB_GREEN_BUTTON"); // BRICS is not remembered: asked again
     EXPECT_THAT(port.written, HasSubstr("\nEnter DFL file name: [Draft]"));

@@ -165,12 +165,24 @@ bool acedCommand(const std::string& line) {
 void acedAddReactor(AcEditorReactor* reactor) { ed::state().reactors.push_back(reactor); }
 void acedRemoveReactor(AcEditorReactor* reactor) { std::erase(ed::state().reactors, reactor); }
 
+Acad::ErrorStatus acedSaveAs(AcDbDatabase& database, const std::filesystem::path& path,
+                             std::string& error) {
+    tellReactors([&](AcEditorReactor& r) { r.beginSave(&database, path.string()); });
+    const Acad::ErrorStatus status = database.dxfOut(path, error);
+    if (status == Acad::eOk) {
+        database.setFilename(path.string());
+        tellReactors([&](AcEditorReactor& r) { r.saveComplete(&database, path.string()); });
+    }
+    return status;
+}
+
 void acedReset() {
     ed::State& state = ed::state();
     state.port = nullptr;
     state.pending.clear();
     state.reactors.clear();
     state.break_asked = false;
+    acedSetMainWindow(0, {});
     acedRegCmds() = AcEdCommandStack();
     acDocManager()->closeAll();
 }

@@ -2,9 +2,11 @@
 // input port, so that a script, a test and a window drive the same code.
 #pragma once
 
+#include "host/db/errors.h"
 #include "host/db/object_id.h"
 
 #include <deque>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -89,6 +91,8 @@ AcDbObjectId acedActiveViewportId();
 /// The host's main window, 0 without one; its title is empty then.
 std::uintptr_t adsw_acadMainWnd();
 std::string acedMainWindowTitle();
+/// Who shows the host's main window tells it, and takes it away with 0.
+void acedSetMainWindow(std::uintptr_t window, std::string title);
 /// True asks the running command to stop: the user pressed the interrupt key. It stays set until
 /// whoever runs commands takes it back; setting it is safe in a signal handler after a first call.
 bool acedUsrBrk();
@@ -103,6 +107,13 @@ public:
     virtual void commandWillStart(const std::string&) {}
     virtual void commandEnded(const std::string&) {}
     virtual void commandFailed(const std::string&) {}
+    virtual void beginSave(AcDbDatabase*, const std::string& /*intended_name*/) {}
+    virtual void saveComplete(AcDbDatabase*, const std::string& /*actual_name*/) {}
 };
 void acedAddReactor(AcEditorReactor* reactor);
 void acedRemoveReactor(AcEditorReactor* reactor);
+
+/// Saves a drawing under a name that becomes its own, and tells the reactors before and after.
+/// As dxfOut: eFileAccessErr with `error` in words, and the old name stays.
+Acad::ErrorStatus acedSaveAs(AcDbDatabase& database, const std::filesystem::path& path,
+                             std::string& error);

@@ -193,8 +193,12 @@ AcDbObjectId acedActiveViewportId() {
     return database != nullptr ? database->activeViewportId() : AcDbObjectId::kNull;
 }
 
-std::uintptr_t adsw_acadMainWnd() { return 0; }
-std::string acedMainWindowTitle() { return {}; }
+std::uintptr_t adsw_acadMainWnd() { return ed::state().main_window; }
+std::string acedMainWindowTitle() { return ed::state().main_window_title; }
+void acedSetMainWindow(std::uintptr_t window, std::string title) {
+    ed::state().main_window = window;
+    ed::state().main_window_title = window != 0 ? std::move(title) : std::string();
+}
 
 bool acedUsrBrk() { return ed::state().break_asked.load(std::memory_order_relaxed); }
 void acedSetUsrBrk(bool set) { ed::state().break_asked.store(set, std::memory_order_relaxed); }

@@ -13,6 +13,8 @@ struct State {
     AcEdInputPort* port = nullptr; ///< null: no input, output dropped
     std::deque<std::string> pending;
     std::vector<AcEditorReactor*> reactors;
+    std::uintptr_t main_window = 0;
+    std::string main_window_title;
     std::atomic<bool> break_asked{false}; ///< set from signal handlers too
 };
 State& state();

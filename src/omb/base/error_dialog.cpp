@@ -56,6 +56,7 @@ void tell_not_sent() {
 } // namespace
 
 void set_version_data(cl_version_data data) { store().version = std::move(data); }
+const cl_version_data& version_data() { return store().version; }
 
 cl_error_dialog make_error_dialog(const std::string& message, const std::string& location,
                                   const cl_trace_source& source, std::string_view word) {

@@ -17,6 +17,7 @@ struct cl_version_data {
     std::string platform; ///< "" means the one that this was built for
 };
 void set_version_data(cl_version_data data);
+const cl_version_data& version_data();
 
 /// An error as it is shown: title, text with the version data, the place, and what its "More"
 /// button does.

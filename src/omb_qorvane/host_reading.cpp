@@ -1,0 +1,94 @@
+// Sun, view and picture size from the host.
+#include "omb_qorvane/host_reading.h"
+
+#include "host/db/symbol_tables.h"
+#include "host/gs/view.h"
+#include "omb/base/folders.h"
+#include "omb/base/trace.h"
+#include "omb/globals/globals.h"
+#include "omb_qorvane/the_app.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+/// A render of the view at the asked width: the height follows the view's shape.
+struct picture_size {
+    int width, height;
+};
+
+picture_size size_to_aspect(int width, int height, const cl_ts_view& view) {
+    constexpr int usual_width = 600, most = 32768;
+    if (width < 1 || height < 1) {
+        width = std::lround(view.pixel_width);
+        height = std::lround(view.pixel_height);
+    }
+    if (width < 1) {
+        width = usual_width; // the host has no window to measure
+    }
+    width = std::min(width, most);
+    const float aspect = view.fov_height > 0 ? view.fov_width / view.fov_height : 0;
+    if (aspect > 0 && std::isfinite(aspect)) {
+        height = static_cast<int>(
+            std::lround(std::clamp(static_cast<double>(width) / static_cast<double>(aspect), 1.0,
+                                   static_cast<double>(most))));
+    }
+    return {width, std::max(height, 1)};
+}
+
+/// The pictures that a batch window shows behind what it has not rendered yet.
+void make_background_images() {
+    for (const char* name : {"OMB_Batch_alpha_image.png", "OMB_Batch_wireframe_image.png"}) {
+        OMB_TRACE(1, "The background image is not there yet: %s",
+                  join_path(get_temporary_directory(), name));
+    }
+}
+
+} // namespace
+
+void read_sun_from_host() {
+    const AcDbObjectPointer<AcDbViewportTableRecord> viewport(acedActiveViewportId());
+    if (viewport && !viewport->sunId().isNull()) {
+        OMB_TRACE(1, "The sun of the drawing is not read yet; the sun of the settings stays.");
+    }
+}
+
+bool get_view_from_drawing() {
+    AcGsView camera;
+    CTsAcDoc* document = theApp().tsdoc;
+    if (document == nullptr || !acgsGetViewParameters(acedActiveViewportId(), camera)) {
+        return false;
+    }
+    document->TakeHostUnits();
+    cl_ts_view& view = theApp().tsview;
+    view.fov_width = static_cast<float>(camera.field_width);
+    view.fov_height = static_cast<float>(camera.field_height);
+    view.eye = camera.position;
+    view.direction = camera.target - camera.position;
+    view.up = camera.up;
+    view.pixel_width = view.pixel_height = 0;
+    return true;
+}
+
+bool init_omb_qorvane(int code) {
+    cl_omb_export& exporter = theApp().omb_export;
+    if (!theApp().refresh_document() ||
+        !AcDbObjectPointer<AcDbViewportTableRecord>(acedActiveViewportId()) ||
+        !get_view_from_drawing()) {
+        return false;
+    }
+    make_background_images();
+    if (code != GREEN_BUTTON_DELTA) {
+        exporter.read_options_globals_file();
+    }
+    exporter.write_params_files();
+    const picture_size size =
+        size_to_aspect(get_global_int("iks_resx"), get_global_int("iks_resy"), theApp().tsview);
+    set_global_int("iks_resx", size.width);
+    set_global_int("iks_resy", size.height);
+    set_global_int("iks_skp_resx", size.width);
+    set_global_int("iks_skp_resy", size.height);
+    exporter.write_globals_to_OMB_QorvaneDictionary();
+    return true;
+}
