@@ -65,9 +65,8 @@ private:
         BatchFolder folder =
             read_batch_folder(params_file, warnings_, [this](std::uint64_t) { return !stopped(); });
         RenderJob job = plan_render(folder, run_.threads, warnings_);
-        if (!get_global_bool("bks_close_window_when_image_done", false)) {
-            warnings_.add("no-window", "there is no render window yet; the picture is rendered "
-                                       "without one");
+        if (!run_.no_window.empty()) {
+            warnings_.add("no-window", "rendered without a window: " + run_.no_window);
         }
         progress_.phase("building");
         renderer::Scene scene = build(folder, job);

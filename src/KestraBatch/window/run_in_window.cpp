@@ -185,7 +185,7 @@ bool is_display_there() {
 }
 
 std::optional<int> run_in_window(const std::vector<std::string>& arguments, cl_batch_output& out,
-                                 const BatchRun& run) {
+                                 BatchRun& run) {
     if (arguments.size() != 1 || arguments.front().empty() || arguments.front().front() == '-') {
         return std::nullopt;
     }
@@ -202,7 +202,7 @@ std::optional<int> run_in_window(const std::vector<std::string>& arguments, cl_b
             out.error(file + ": cannot be shown: " + why);
             return static_cast<int>(ExitCode::failed);
         }
-        out.message("The picture is rendered without a window: " + why);
+        run.no_window = why;
         return std::nullopt;
     }
     if (image) {
@@ -214,7 +214,7 @@ std::optional<int> run_in_window(const std::vector<std::string>& arguments, cl_b
     start.picture = &picture;
     const int code = entry(&start);
     if (code < 0) {
-        out.message("The picture is rendered without a window: it cannot be opened");
+        run.no_window = "it cannot be opened";
         return std::nullopt;
     }
     return picture.end(code);
@@ -231,6 +231,13 @@ bool show_notice(const std::string& text, const BatchRun& run) {
     WindowStart start = start_of(program, run);
     start.notice = text.c_str();
     return entry(&start) >= 0;
+}
+
+void register_notices(const BatchRun& run) {
+    register_missing_dialog([&run](DialogCall& call) {
+        show_notice("The dialog '" + call.word + "' is not there yet.\nNothing was changed.", run);
+        return ExitCode::cancelled;
+    });
 }
 
 } // namespace KestraBatch

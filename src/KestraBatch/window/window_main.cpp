@@ -5,6 +5,7 @@
 #include "omb/base/trace.h"
 
 #include <QApplication>
+#include <QEventLoop>
 #include <QMessageBox>
 #include <QTimer>
 
@@ -60,9 +61,10 @@ int show(const WindowStart& start) {
         return show_notice(start);
     }
     RenderWindow window(*start.program, *start.picture, start.program_name, start.program_version);
-    window.on_closed = [] { QApplication::exit(0); };
+    QEventLoop until_closed;
+    window.on_closed = [&] { until_closed.quit(); };
     window.begin();
-    QApplication::exec();
+    until_closed.exec();
     return window.exit_code();
 }
 
