@@ -128,7 +128,7 @@ void RenderWindow::poll() {
         toner_->look();
     }
     const bool all_shown = status.picture == 0 || toned_.number >= status.picture;
-    if (!model_.is_running() && all_shown && !end_handled_) {
+    if (status.state >= SessionState::finished && all_shown && !end_handled_) {
         end_handled_ = true;
         on_ended();
     }
