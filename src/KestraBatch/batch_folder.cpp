@@ -95,7 +95,6 @@ void warn_not_rendered(WarningList& warnings) {
         warnings.add("setting-not-rendered",
                      "sqor_background_image names a background image: not rendered yet");
     }
-    set_global_bool("bks_enable_fog", false); // its question to the user is settled by the warning
 }
 
 void read_document(const Parameters& params, CTsDoc& document, WarningList& warnings) {
@@ -117,10 +116,27 @@ void read_document(const Parameters& params, CTsDoc& document, WarningList& warn
     }
 }
 
+/// Fog's question to the user is settled by a warning; the setting stays.
+void write_globals(CTsDoc& document) {
+    const bool fog = get_global_bool("bks_enable_fog", false);
+    if (fog) {
+        set_global_bool("bks_enable_fog", false);
+    }
+    cl_tsdoc::write_globals_into_tsdoc2(document);
+    if (fog) {
+        set_global_bool("bks_enable_fog", true);
+    }
+}
+
+/// The path that a key of the parameter file names, or the usual name beside it.
+std::filesystem::path named_file(const Parameters& params, const std::string& name,
+                                 const char* usual) {
+    return params.resolve(name.empty() ? usual : name);
+}
+
 } // namespace
 
-BatchFolder read_batch_folder(const std::filesystem::path& params_file, WarningList& warnings,
-                              const StreamProgress& progress) {
+BatchFolder read_batch_folder(const std::filesystem::path& params_file, WarningList& warnings) {
     BatchFolder folder;
     const std::string file = std::filesystem::absolute(params_file).lexically_normal().string();
     folder.params = parse_params(read_small_file(file, ExitCode::input_unreadable), file, warnings);
@@ -129,10 +145,36 @@ BatchFolder read_batch_folder(const std::filesystem::path& params_file, WarningL
     folder.changed_settings = load_globals(folder.params, warnings);
     warn_not_rendered(warnings);
     read_document(folder.params, folder.document, warnings);
-    cl_tsdoc::write_globals_into_tsdoc2(folder.document);
-    folder.stream = read_stream_file(folder.params.resolve(folder.params.geometry_file),
-                                     folder.model, warnings, {}, progress);
+    write_globals(folder.document);
     return folder;
+}
+
+bool hand_settings_back(const Parameters& params, std::string& error) {
+    try {
+        Parameters named = params;
+        const auto options = named_file(params, params.globals_file, "option_globals.txt");
+        const auto path = named_file(params, params.doc_file, "qor_doc.xml");
+        named.doc_file = path.string();
+        CTsDoc document;
+        WarningList no_document_before;
+        read_document(named, document, no_document_before);
+        write_globals(document); // may change globals, and so comes before they are written
+        CTsXmlWriter writer;
+        writer.Init(path.string());
+        document.Write(writer);
+        if (!writer.Close()) {
+            error = writer.Error();
+            return false;
+        }
+        if (!write_option_globals_to_settings_file(options.string(), true)) {
+            error = options.string() + ": the settings cannot be written";
+            return false;
+        }
+        return true;
+    } catch (const std::exception& problem) {
+        error = problem.what();
+        return false;
+    }
 }
 
 } // namespace KestraBatch

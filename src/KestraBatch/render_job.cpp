@@ -107,11 +107,16 @@ std::vector<std::filesystem::path> output_names(const Parameters& params, Warnin
         !get_global_bool("bks_use_auto_image", false)) {
         return {};
     }
-    if (get_global_string("sks_auto_image_name", false).empty()) {
+    // what stands for an empty name or folder here is no setting to be handed back
+    const std::string name = get_global_string("sks_auto_image_name", false);
+    const std::string folder = get_global_string("sks_auto_image_folder", false);
+    if (name.empty()) {
         const std::string stem = path_stem(params.model_name);
         set_global_string("sks_auto_image_name", stem.empty() ? "Untitled" : stem);
     }
     set_auto_image_globals(default_folder(params).string());
+    set_global_string("sks_auto_image_name", name);
+    set_global_string("sks_auto_image_folder", folder);
     std::vector<std::filesystem::path> outputs;
     for (const char* global : {"sks_auto_image_save_name", "sks_auto_image_save_name2"}) {
         const std::filesystem::path path = native_separators(get_global_string(global, false));
@@ -157,7 +162,9 @@ std::string triple_text(const Triple& t) {
 RenderJob plan_render(const BatchFolder& folder, int threads, WarningList& warnings) {
     RenderJob job;
     job.settings = render_settings(threads, warnings);
-    job.settings.clamp = clamp_of(read_sun_sky(folder.document));
+    job.light = read_sun_sky(folder.document);
+    job.settings.clamp = clamp_of(job.light);
+    job.channels = read_channel_wishes();
     job.tone = tone_settings();
     job.image.jpeg_quality = std::clamp(get_global_int("iks_image_quality", false), 1, 100);
     job.image.dots_per_inch = std::clamp(get_global_int("iks_image_resolution", false), 1, 10000);

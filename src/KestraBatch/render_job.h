@@ -2,7 +2,9 @@
 #pragma once
 
 #include "KestraBatch/batch_folder.h"
+#include "KestraBatch/channel_plan.h"
 #include "KestraBatch/read_error.h"
+#include "KestraBatch/scene_light.h"
 #include "renderer/image_file.h"
 #include "renderer/scene.h"
 #include "renderer/tone.h"
@@ -19,11 +21,15 @@ struct RenderJob {
     renderer::ToneSettings tone;
     renderer::ImageFileOptions image;
     std::vector<std::filesystem::path> outputs; ///< empty: nothing is to be saved
+    SunSky light;
+    ChannelWishes channels;
+    /// Of the channels that `settings.light` names, once the scene is known; neutral before.
+    renderer::ChannelWeights weights = renderer::neutral_weights();
 };
 
-/// Takes size, passes, time limit, threads, tone and image names from the globals. `threads`
-/// above 0 overrides the threads of the settings. Throws ReadError: output_unwritable for a
-/// folder that is not there or an extension that is not written, limit for an absurd size.
+/// Takes size, passes, time limit, threads, tone, channels and image names from the globals.
+/// `threads` above 0 overrides the threads of the settings. Throws ReadError: output_unwritable for
+/// a folder that is not there or an extension that is not written, limit for an absurd size.
 RenderJob plan_render(const BatchFolder& folder, int threads, WarningList& warnings);
 
 /// Completes the metadata after the render: passes, seconds, program version, drawing and hash.

@@ -1,5 +1,7 @@
 // A render that runs on a thread of its own while somebody looks on: the batch process's window,
 // or its loop without one. All public functions may be called from the owner's thread at any time.
+// The process-wide globals are touched by `start` alone, on the owner's thread; the session's own
+// thread never does, so that the owner may use them while it renders.
 #pragma once
 
 #include "KestraBatch/batch_folder.h"
@@ -22,8 +24,9 @@ struct SessionStatus {
     int pass = 0, passes = 0;                     ///< finished, and asked for
     double fraction = 0;                          ///< of the render, 0 to 1
     double elapsed_seconds = 0, eta_seconds = -1; ///< pauses not counted; negative: not known yet
-    std::uint64_t picture = 0; ///< raised whenever there is a newer picture to take
-    std::string problem;       ///< why it failed, in words
+    std::uint64_t picture = 0;      ///< raised whenever there is a newer picture to take
+    std::string problem;            ///< why it failed, in words
+    ExitCode code = ExitCode::done; ///< of a process that ends for that problem
     std::vector<Warning> warnings;
 };
 
@@ -38,8 +41,12 @@ public:
     RenderSession(std::filesystem::path params_file, std::string program_version, int threads);
     ~RenderSession(); ///< stops and waits
 
-    /// Reads the folder and renders on the session's thread. Again after an end: from the start,
-    /// with the folder read anew.
+    /// Without a name to save the picture under, it ends as soon as the scene is built. Before
+    /// `start`.
+    void skip_render_without_outputs();
+    /// Reads the folder's settings into the globals, at once; reads the geometry and renders on the
+    /// session's thread. Again after an end: from the start, with the folder read anew. What goes
+    /// wrong is in the status.
     void start();
     void pause(); ///< within a tile; the light so far stays
     void resume();
@@ -47,7 +54,8 @@ public:
     /// Renders that part first in each pass, so that it clears up sooner; an empty one: all alike.
     /// The finished picture does not depend on it.
     void set_region(PictureRegion region);
-    /// Adds passes to a render that has finished or is under way.
+    /// Adds passes to a render that has finished or is under way. One that was stopped goes on from
+    /// its last whole pass. A time limit holds no longer once it has ended.
     void add_passes(int passes);
 
     SessionStatus status() const;
@@ -63,7 +71,8 @@ public:
 
     /// Saves a picture under any name of a kind that is written: toned with `tone` and `weights`
     /// (png, jpg), linear (hdr, exr), or `.QorImage`, which keeps the channels and the settings.
-    /// False with `error` in words; a file that stood there stays.
+    /// False with `error` in words; a file that stood there stays. Toned pictures lose their grain,
+    /// which takes seconds.
     bool save(const std::filesystem::path& path, const renderer::ChannelWeights& weights,
               const renderer::ToneSettings& tone, std::string& error) const;
 
@@ -71,9 +80,5 @@ private:
     struct Impl;
     std::unique_ptr<Impl> impl_;
 };
-
-/// Writes tone, channel weights and whatever else was changed in the window back into the folder's
-/// option_globals.txt and qor_doc.xml, from the globals of this process. False with `error`.
-bool hand_settings_back(const Parameters& params, std::string& error);
 
 } // namespace KestraBatch

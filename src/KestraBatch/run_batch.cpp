@@ -1,18 +1,11 @@
-// The run: read, describe, render, save, and tell.
+// The run without a window: follows a session, tells about it, saves its picture.
 #include "KestraBatch/run_batch.h"
 
-#include "KestraBatch/batch_folder.h"
 #include "KestraBatch/command_words.h"
-#include "KestraBatch/render_job.h"
-#include "KestraBatch/renderer_scene.h"
-#include "omb/globals/globals.h"
-#include "renderer/denoise.h"
-#include "renderer/renderer.h"
+#include "KestraBatch/render_session.h"
 
 #include <algorithm>
 #include <array>
-#include <fmt/format.h>
-#include <new>
 
 namespace KestraBatch {
 
@@ -28,6 +21,10 @@ constexpr std::string_view usage_text =
     "QORVANE_PROGRESS=FILE in the environment sends progress there, a JSON object a line.";
 
 constexpr int interrupt_signal = 2;
+constexpr double poll_seconds = 0.05;
+
+/// Phases of a session behind the reading.
+constexpr std::array<const char*, 2> phases{"building", "rendering"};
 
 class BatchRunner {
 public:
@@ -37,111 +34,94 @@ public:
 
     ExitCode render(const std::string& params_file) {
         progress_.start(run_.program_version);
+        progress_.phase("reading");
         std::string problem;
         ExitCode code = ExitCode::failed;
         try {
-            code = work(params_file);
-            problem = code == ExitCode::done ? "" : "stopped as asked";
-        } catch (const ReadError& error) {
-            code = error.code();
-            problem = error.what();
-        } catch (const StreamCancelled& error) {
-            code = stop_code();
-            problem = error.what();
-        } catch (const std::bad_alloc&) {
-            code = ExitCode::limit;
-            problem = params_file + ": not enough memory for this scene";
+            RenderSession session(params_file, run_.program_version, run_.threads);
+            code = follow(session, problem);
         } catch (const std::exception& error) {
             problem = params_file + ": " + error.what();
         }
-        tell_warnings();
         progress_.end(code, problem, saved_);
         return code;
     }
 
 private:
-    ExitCode work(const std::string& params_file) {
-        progress_.phase("reading");
-        BatchFolder folder =
-            read_batch_folder(params_file, warnings_, [this](std::uint64_t) { return !stopped(); });
-        RenderJob job = plan_render(folder, run_.threads, warnings_);
-        if (!run_.no_window.empty()) {
-            warnings_.add("no-window", "rendered without a window: " + run_.no_window);
+    ExitCode follow(RenderSession& session, std::string& problem) {
+        if (stopped()) {
+            problem = "stopped as asked";
+            return stop_code();
         }
-        progress_.phase("building");
-        renderer::Scene scene = build(folder, job);
-        if (job.outputs.empty()) {
-            warnings_.add("no-image", "the settings name no picture to save "
-                                      "(bks_auto_name_image is off); nothing is rendered");
-            return ExitCode::done;
-        }
-        renderer::Renderer renderer(scene, job.settings.threads);
-        scene = {}; // the renderer has its own
-        tell_warnings();
-        return render_and_save(renderer, folder, job);
-    }
-
-    renderer::Scene build(BatchFolder& folder, const RenderJob& job) {
-        const auto materials = folder.params.resolve(folder.params.material_folder);
-        const SceneDescription description =
-            describe_scene(folder.model, folder.view, folder.document, materials, warnings_);
-        SceneStatistics statistics;
-        const double aspect = static_cast<double>(job.settings.width) / job.settings.height;
-        renderer::Scene scene =
-            build_renderer_scene(folder.model, description, aspect, statistics, warnings_);
-        folder.model = {};
-        return scene;
-    }
-
-    ExitCode render_and_save(renderer::Renderer& renderer, const BatchFolder& folder,
-                             RenderJob& job) {
-        progress_.phase("rendering");
-        const double began = progress_.elapsed_seconds();
-        renderer::Film film;
-        const renderer::Outcome outcome =
-            renderer.render(job.settings, film, [this](const renderer::Progress& p) {
-                progress_.progress("rendering", p.fraction, p.pass, p.passes);
-                return !stopped();
-            });
-        const bool cancelled = outcome == renderer::Outcome::cancelled;
-        if (film.width > 0 && !film.radiance.empty()) {
-            progress_.phase("saving");
-            add_metadata(job, folder, run_.program_version, film.passes,
-                         progress_.elapsed_seconds() - began);
-            save(film, job);
-        }
-        return cancelled ? stop_code() : ExitCode::done;
-    }
-
-    /// Pictures to look at lose their grain; files of linear light keep what was measured.
-    void save(const renderer::Film& film, const RenderJob& job) {
-        renderer::Film clean;
-        for (const auto& path : job.outputs) {
-            const bool toned = is_toned(path);
-            if (toned && clean.radiance.empty()) {
-                clean = film;
-                renderer::denoise(clean);
+        session.skip_render_without_outputs();
+        session.start();
+        while (!session.wait(poll_seconds)) {
+            if (stopped()) {
+                session.stop();
             }
-            try {
-                renderer::save_image(path, toned ? clean : film, job.tone, job.image);
-            } catch (const std::runtime_error& error) {
-                throw ReadError(ExitCode::output_unwritable, error.what());
+            tell(session.status());
+        }
+        const SessionStatus end = session.status();
+        tell(end);
+        problem = end.problem;
+        if (end.state == SessionState::failed) {
+            return end.code;
+        }
+        if (end.state == SessionState::finished && session.job().outputs.empty()) {
+            progress_.warning({"no-image", "the settings name no picture to save "
+                                           "(bks_auto_name_image is off); nothing is rendered"});
+        }
+        if (end.picture > 0 && !save(session, problem)) {
+            return ExitCode::output_unwritable;
+        }
+        return end.state == SessionState::stopped ? stop_code() : ExitCode::done;
+    }
+
+    /// News of the session: phases that have begun since the last time, warnings, progress.
+    void tell(const SessionStatus& status) {
+        const bool failed = status.state == SessionState::failed;
+        const std::size_t phase = std::min(phases.size(), phase_of(status));
+        for (; phase_ < phase; ++phase_) {
+            progress_.phase(phases[phase_]);
+        }
+        for (; told_ < status.warnings.size(); ++told_) {
+            progress_.warning(status.warnings[told_]);
+        }
+        if (!told_no_window_ && !run_.no_window.empty() && phase_ > 0 && !failed) {
+            told_no_window_ = true;
+            progress_.warning({"no-window", "rendered without a window: " + run_.no_window});
+        }
+        if (phase_ == phases.size()) {
+            progress_.progress("rendering", status.fraction, status.pass, status.passes);
+        }
+    }
+
+    /// How many of `phases` have begun.
+    static std::size_t phase_of(const SessionStatus& status) {
+        switch (status.state) {
+        case SessionState::reading:
+            return 0;
+        case SessionState::building:
+            return 1;
+        case SessionState::rendering:
+        case SessionState::paused:
+            return 2;
+        default:
+            return status.passes > 0 ? 2 : status.state == SessionState::finished ? 1 : 0;
+        }
+    }
+
+    bool save(const RenderSession& session, std::string& problem) {
+        progress_.phase("saving");
+        const RenderJob& job = session.job();
+        for (const auto& path : job.outputs) {
+            if (!session.save(path, job.weights, job.tone, problem)) {
+                return false;
             }
             saved_.push_back(path.string());
             progress_.image(path.string());
         }
-    }
-
-    /// Warnings go out as soon as a step has ended, each once.
-    void tell_warnings() {
-        for (; told_ < warnings_.items().size(); ++told_) {
-            progress_.warning(warnings_.items()[told_]);
-        }
-        if (warnings_.dropped() > 0 && !told_dropped_) {
-            told_dropped_ = true;
-            progress_.warning(
-                {"more-warnings", std::to_string(warnings_.dropped()) + " more warnings"});
-        }
+        return true;
     }
 
     bool stopped() const {
@@ -157,9 +137,9 @@ private:
 
     ProgressReporter progress_;
     const BatchRun& run_;
-    WarningList warnings_;
-    std::size_t told_ = 0;
-    bool told_dropped_ = false;
+    std::size_t told_ = 0;  ///< warnings
+    std::size_t phase_ = 0; ///< phases
+    bool told_no_window_ = false;
     std::vector<std::string> saved_;
 };
 

@@ -45,8 +45,8 @@ Triple center_of(const SceneDescription& scene) {
 } // namespace
 
 SceneDescription describe_scene(const StreamModel& model, const ViewRecord& view,
-                                const CTsDoc& document, const std::filesystem::path& materials,
-                                WarningList& warnings) {
+                                const CTsDoc& document, const SunSky& light,
+                                const std::filesystem::path& materials, WarningList& warnings) {
     SceneDescription scene;
     scene.view = view;
     scene.perspective = document.m_View.m_Perspective;
@@ -59,7 +59,7 @@ SceneDescription describe_scene(const StreamModel& model, const ViewRecord& view
     for (const MeshRecord& mesh : model.meshes) {
         scene.mesh_surface.push_back(table.surface_of(mesh));
     }
-    scene.light = read_sun_sky(document);
+    scene.light = light;
     scene.ground = ground_elevation(document, std::hypot(scene.high.x - scene.low.x,
                                                          scene.high.y - scene.low.y,
                                                          scene.high.z - scene.low.z));

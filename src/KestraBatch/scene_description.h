@@ -34,10 +34,11 @@ struct SceneDescription {
 };
 
 /// Resolves units, surfaces, light and view. `materials` is the folder of the material files;
-/// `document` has had the settings written into it. The centre is the point of the geometry's box
-/// next to the view's target: what is looked at closest keeps the most digits.
+/// `document` has had the settings written into it, and `light` read from it. The centre is the
+/// point of the geometry's box next to the view's target: what is looked at closest keeps the most
+/// digits.
 SceneDescription describe_scene(const StreamModel& model, const ViewRecord& view,
-                                const CTsDoc& document, const std::filesystem::path& materials,
-                                WarningList& warnings);
+                                const CTsDoc& document, const SunSky& light,
+                                const std::filesystem::path& materials, WarningList& warnings);
 
 } // namespace KestraBatch

@@ -1,9 +1,9 @@
 // Finds out whether a window is wanted, loads its module, and runs it.
 #include "KestraBatch/window/run_in_window.h"
 
+#include "KestraBatch/saved_picture.h"
 #include "KestraBatch/window/session_picture.h"
 #include "omb/base/profile.h"
-#include "omb/base/text.h"
 #include "omb/base/trace.h"
 #include "omb/globals/catalogue.h"
 #include "omb/globals/globals.h"
@@ -100,10 +100,6 @@ private:
     const BatchRun& run_;
     WindowMemory memory_;
 };
-
-bool is_qor_image(const std::string& argument) {
-    return omb::ends_with_no_case(argument, ".QorImage");
-}
 
 /// Whether the folder's settings leave the window open; a file that cannot be read is left to the
 /// run itself, which has the words for it.

@@ -1,11 +1,12 @@
 // Renders and opened files as the window sees them.
 #include "KestraBatch/window/session_picture.h"
 
+#include "KestraBatch/saved_picture.h"
 #include "omb/globals/globals.h"
 
 #include <algorithm>
 #include <array>
-#include <exception>
+#include <stdexcept>
 
 namespace KestraBatch {
 
@@ -130,7 +131,7 @@ int SessionPicture::end(int window_code) {
     ExitCode code = static_cast<ExitCode>(window_code);
     std::string problem = window_code == 0 ? "" : "stopped as asked";
     if (last.state == SessionState::failed && window_code == 0) {
-        code = ExitCode::failed;
+        code = last.code == ExitCode::done ? ExitCode::failed : last.code;
         problem = last.problem;
     }
     progress_.end(code, problem, saved_);
@@ -138,8 +139,12 @@ int SessionPicture::end(int window_code) {
 }
 
 FilePicture::FilePicture(const std::filesystem::path& path)
-  : path_(path)
-  , image_(renderer::load_qor_image(path)) {}
+  : path_(path) {
+    std::string error;
+    if (!open_saved_picture(path, image_, error)) {
+        throw std::runtime_error(error);
+    }
+}
 
 SessionStatus FilePicture::status() {
     SessionStatus status;
@@ -178,22 +183,12 @@ ChannelChoice FilePicture::channel_choice(std::size_t index, const renderer::Lig
 
 bool FilePicture::save(const std::filesystem::path& path, const renderer::ChannelWeights& weights,
                        const renderer::ToneSettings& tone, std::string& error) {
-    try {
-        if (path.extension() == path_.extension()) {
-            renderer::QorImage changed = image_;
-            changed.weights = weights;
-            changed.tone = tone;
-            renderer::save_qor_image(path, changed);
-        } else {
-            renderer::ImageFileOptions options;
-            options.metadata = image_.metadata;
-            renderer::save_image(path, renderer::mix(image_.picture, weights), tone, options);
-        }
-    } catch (const std::exception& problem) {
-        error = problem.what();
-        return false;
-    }
-    return true;
+    renderer::QorImage changed = image_;
+    changed.weights = weights;
+    changed.tone = tone;
+    renderer::ImageFileOptions options;
+    options.metadata = image_.metadata;
+    return save_picture(path, changed, options, error);
 }
 
 bool FilePicture::keep_settings(const renderer::ToneSettings&, const std::vector<ChannelChoice>&,

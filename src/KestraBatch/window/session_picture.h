@@ -48,7 +48,7 @@ private:
 /// A picture that was opened from a `.QorImage`.
 class FilePicture : public cl_window_picture {
 public:
-    /// Throws std::runtime_error as load_qor_image does.
+    /// Throws std::runtime_error that names file and cause.
     explicit FilePicture(const std::filesystem::path& path);
 
     bool can_render() const override { return false; }

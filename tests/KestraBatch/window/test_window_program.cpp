@@ -32,8 +32,8 @@ protected:
     void set_settings(const std::string& passes) {
         const std::string open = with(folder.settings(), "bks_close_window_when_image_done; 1",
                                       "bks_close_window_when_image_done; 0");
-        folder.write("option_globals.txt", with(open, "iks_max_render_passes; 4",
-                                                "iks_max_render_passes; " + passes));
+        folder.write("option_globals.txt",
+                     with(open, "iks_max_render_passes; 4", "iks_max_render_passes; " + passes));
     }
     std::int64_t start(const std::string& argument) {
         std::string error;
