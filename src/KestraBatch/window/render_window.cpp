@@ -117,12 +117,8 @@ void RenderWindow::poll() {
         close_as_asked(signal);
         return;
     }
-    model_.set_status(picture_->status());
+    take_status();
     const SessionStatus& status = model_.status();
-    messages_panel_->set_warnings(status.warnings);
-    if (!model_.has_facts() && has_what_was_asked(status)) {
-        take_facts();
-    }
     if (status.picture != looked_ && model_.has_facts()) {
         looked_ = status.picture;
         toner_->look();
@@ -133,6 +129,14 @@ void RenderWindow::poll() {
         on_ended();
     }
     refresh();
+}
+
+void RenderWindow::take_status() {
+    model_.set_status(picture_->status());
+    messages_panel_->set_warnings(model_.status().warnings);
+    if (!model_.has_facts() && has_what_was_asked(model_.status())) {
+        take_facts();
+    }
 }
 
 void RenderWindow::take_facts() {

@@ -90,6 +90,7 @@ private:
     void set_source(cl_window_picture& picture);
     void poll();
     void show_toned(const TonedPicture& toned);
+    void take_status();
     void take_facts();
     void on_ended();
     void retone();

@@ -12,11 +12,17 @@
 #include <QPushButton>
 #include <QStatusBar>
 
+#include <chrono>
 #include <system_error>
+#include <thread>
 
 namespace KestraBatch {
 
 namespace {
+
+/// A render stops within a tile; one that does not is not waited for longer than this.
+constexpr std::chrono::milliseconds stop_slice{10};
+constexpr int most_stop_slices = 1000;
 
 QString text_of(const std::string& text) { return QString::fromStdString(text); }
 
@@ -249,14 +255,20 @@ bool RenderWindow::may_leave() {
 
 /// As the user would close it, but nobody is there to be asked: what can be saved is saved.
 void RenderWindow::close_as_asked(int signal) {
+    take_status();
     const bool cut_short = model_.is_running();
     forced_ = true;
     wait_for_save();
-    if (model_.has_picture() && !model_.is_saved() && !model_.facts().outputs.empty()) {
-        picture_->stop();
-        if (!save_and_wait(model_.facts().outputs)) {
-            OMB_TRACE(1, "The picture could not be saved at closing");
-        }
+    picture_->stop();
+    for (int i = 0; model_.is_running() && i < most_stop_slices; ++i) {
+        std::this_thread::sleep_for(stop_slice);
+        take_status();
+    }
+    const SessionStatus& status = model_.status();
+    const bool newer = status.picture > toned_.number; // light that was never shown
+    if (status.picture > 0 && (newer || !model_.is_saved()) && !model_.facts().outputs.empty() &&
+        !save_and_wait(model_.facts().outputs)) {
+        OMB_TRACE(1, "The picture could not be saved at closing");
     }
     exit_code_ = cut_short ? 128 + signal : 0;
     while (QWidget* box = QApplication::activeModalWidget()) {

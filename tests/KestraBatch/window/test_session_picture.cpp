@@ -19,6 +19,8 @@ protected:
     void SetUp() override {
         globals.clear();
         preset_application_globals(1);
+        globals.lookup("rks_gamma_factor")->changed = false;
+        globals.lookup("rks_lighting_channel_intensity0")->changed = false;
     }
     void TearDown() override { globals.clear(); }
 };
