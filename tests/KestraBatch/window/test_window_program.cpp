@@ -50,11 +50,19 @@ protected:
         std::ifstream in(folder.folder / "progress.txt");
         return {std::istreambuf_iterator<char>(in), {}};
     }
-    bool wait_for(const std::string& text) const {
-        for (int i = 0; i < 2400 && progress().find(text) == std::string::npos; ++i) {
+    /// Waits until a whole pass is told: there is light to be saved.
+    bool wait_for_light() const {
+        const std::string key = "\"pass\":";
+        for (int i = 0; i < 2400; ++i) {
+            const std::string text = progress();
+            for (std::size_t at = text.find(key); at != text.npos; at = text.find(key, at + 1)) {
+                if (text[at + key.size()] != '0') {
+                    return true;
+                }
+            }
             std::this_thread::sleep_for(std::chrono::milliseconds(25));
         }
-        return progress().find(text) != std::string::npos;
+        return false;
     }
 
     BatchFolderOnDisk folder{"window_program"};
@@ -85,7 +93,7 @@ TEST_F(WindowProgram, RendersShowsAndSaves) {
 TEST_F(WindowProgram, ACloseMessageSavesThePictureSoFar) {
     set_settings("30000");
     const std::int64_t process = start(folder.params());
-    ASSERT_TRUE(wait_for("\"event\":\"progress\""));
+    ASSERT_TRUE(wait_for_light());
     close_program(process, 100, "KestraBatch");
     EXPECT_FALSE(platform::is_process_running(process));
     EXPECT_TRUE(std::filesystem::exists(folder.picture()));
