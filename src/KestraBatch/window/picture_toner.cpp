@@ -4,12 +4,15 @@
 #include <QMetaObject>
 
 #include <atomic>
+#include <chrono>
 
 namespace KestraBatch {
 
 namespace {
 
 constexpr int smallest_level = 256;
+/// A picture that stays as long is worth the seconds that taking its grain out needs.
+constexpr std::chrono::milliseconds stay{250};
 
 QImage to_image(const renderer::DisplayImage& display) {
     const std::size_t pixels = static_cast<std::size_t>(display.width) * display.height;
@@ -48,13 +51,25 @@ QImage halved(const QImage& image) {
     return half;
 }
 
+std::vector<QImage> levels_of(QImage image) {
+    std::vector<QImage> levels;
+    while (!image.isNull()) {
+        const bool last = qMin(image.width(), image.height()) < 2 * smallest_level;
+        QImage half = last ? QImage() : halved(image);
+        levels.push_back(std::move(image));
+        image = std::move(half);
+    }
+    return levels;
+}
+
 } // namespace
 
 PictureToner::PictureToner(cl_window_program& program, QObject& context, Ready ready)
   : program_(program)
   , context_(context)
   , ready_(std::move(ready))
-  , thread_([this] { work(); }) {}
+  , thread_([this] { work(); })
+  , cleaner_([this] { clean_work(); }) {}
 
 PictureToner::~PictureToner() {
     {
@@ -62,7 +77,9 @@ PictureToner::~PictureToner() {
         ending_ = true;
     }
     wake_.notify_all();
+    clean_wake_.notify_all();
     thread_.join();
+    cleaner_.join();
 }
 
 void PictureToner::set_source(const cl_window_picture* source) {
@@ -70,6 +87,8 @@ void PictureToner::set_source(const cl_window_picture* source) {
     request_.source = source;
     request_.forget = true;
     request_.look = source != nullptr;
+    ++turn_;
+    clean_job_.reset();
     result_.reset();
     idle_.wait(lock, [this] { return !busy_; });
     result_.reset(); // the worker may have ended with a picture of the old source
@@ -89,7 +108,20 @@ void PictureToner::set_tone(const renderer::ChannelWeights& weights,
     request_.tone = tone;
     request_.hold_exposure = hold_exposure;
     request_.anew = true;
+    ++turn_;
     wake_.notify_all();
+    clean_wake_.notify_all();
+}
+
+void PictureToner::set_clean(bool on) {
+    const std::lock_guard lock(mutex_);
+    if (request_.clean != on) {
+        request_.clean = on;
+        request_.anew = true;
+        ++turn_;
+        wake_.notify_all();
+        clean_wake_.notify_all();
+    }
 }
 
 void PictureToner::work() {
@@ -128,15 +160,40 @@ void PictureToner::handle(const Request& request) {
     picture.film = film_;
     picture.weights = request.weights;
     picture.number = known_;
-    QImage image = to_image(program_.tone(*film_, request.weights, tone));
-    while (!image.isNull()) {
-        const bool last = qMin(image.width(), image.height()) < 2 * smallest_level;
-        QImage half = last ? QImage() : halved(image);
-        picture.levels.push_back(std::move(image));
-        image = std::move(half);
+    picture.levels = levels_of(to_image(program_.tone(*film_, request.weights, tone)));
+    if (picture.levels.empty()) {
+        return;
     }
-    if (!picture.levels.empty()) {
-        deliver(std::move(picture));
+    const std::lock_guard lock(mutex_);
+    if (request.clean) {
+        clean_job_ = CleanJob{picture, tone, ++turn_};
+        clean_job_->picture.levels.clear();
+        clean_wake_.notify_all();
+    }
+    deliver(std::move(picture));
+}
+
+void PictureToner::clean_work() {
+    std::unique_lock lock(mutex_);
+    while (!ending_) {
+        clean_wake_.wait(lock, [this] { return ending_ || clean_job_; });
+        const std::uint64_t turn = turn_;
+        if (ending_ || clean_wake_.wait_for(lock, stay, [&] { return ending_ || turn_ != turn; }) ||
+            !clean_job_) {
+            continue;
+        }
+        CleanJob job = *std::move(clean_job_);
+        clean_job_.reset();
+        if (job.turn != turn_) {
+            continue;
+        }
+        lock.unlock();
+        const auto clean = program_.tone_clean(*job.picture.film, job.picture.weights, job.tone);
+        job.picture.levels = levels_of(to_image(clean));
+        lock.lock();
+        if (job.turn == turn_ && !job.picture.levels.empty()) {
+            deliver(std::move(job.picture));
+        }
     }
 }
 
@@ -156,8 +213,8 @@ bool PictureToner::take(const cl_window_picture& source) {
     return newer;
 }
 
+/// With mutex_ locked.
 void PictureToner::deliver(TonedPicture picture) {
-    const std::lock_guard lock(mutex_);
     if (request_.forget) {
         return; // of a source that is gone
     }

@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -41,17 +42,27 @@ public:
     /// Another mix or tone; with `hold_exposure` the exposure of the picture as rendered is kept.
     void set_tone(const renderer::ChannelWeights& weights, const renderer::ToneSettings& tone,
                   bool hold_exposure);
+    /// While on, each picture that stays for a moment is shown again without its grain, which takes
+    /// seconds and has a thread of its own: sliders do not wait for it.
+    void set_clean(bool on);
 
 private:
     struct Request {
         const cl_window_picture* source = nullptr;
         renderer::ChannelWeights weights{};
         renderer::ToneSettings tone;
-        bool hold_exposure = false;
+        bool hold_exposure = false, clean = false;
         bool look = false, anew = false, forget = false;
     };
 
+    struct CleanJob {
+        TonedPicture picture; ///< without levels
+        renderer::ToneSettings tone;
+        std::uint64_t turn = 0;
+    };
+
     void work();
+    void clean_work();
     void handle(const Request& request);
     bool take(const cl_window_picture& source);
     void deliver(TonedPicture picture);
@@ -61,7 +72,9 @@ private:
     Ready ready_;
 
     std::mutex mutex_;
-    std::condition_variable wake_, idle_;
+    std::condition_variable wake_, idle_, clean_wake_;
+    std::optional<CleanJob> clean_job_;
+    std::uint64_t turn_ = 0; ///< raised with each request: what is cleaned for another is void
     Request request_;
     bool busy_ = false, ending_ = false, told_ = false;
     std::unique_ptr<TonedPicture> result_;
@@ -70,7 +83,7 @@ private:
     std::shared_ptr<renderer::ChannelFilm> film_, spare_;
     std::uint64_t known_ = 0;
     double exposure_ = 0; ///< of film_ as rendered; 0: not measured yet
-    std::thread thread_;
+    std::thread thread_, cleaner_;
 };
 
 } // namespace KestraBatch

@@ -119,6 +119,7 @@ void RenderWindow::poll() {
     }
     take_status();
     const SessionStatus& status = model_.status();
+    toner_->set_clean(without_grain_ && status.state >= SessionState::finished);
     if (status.picture != looked_ && model_.has_facts()) {
         looked_ = status.picture;
         toner_->look();

@@ -131,6 +131,7 @@ private:
     TonedPicture toned_;
     std::uint64_t looked_ = 0;
     bool end_handled_ = false, forced_ = false, started_ = false;
+    bool without_grain_ = true; ///< finished pictures are shown as they are saved
     int exit_code_ = 0;
     QTimer timer_;
 

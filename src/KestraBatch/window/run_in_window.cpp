@@ -10,8 +10,10 @@
 #include "omb/globals/option_globals.h"
 #include "platform/files.h"
 #include "platform/module.h"
+#include "renderer/denoise.h"
 
 #include <exception>
+#include <stdexcept>
 
 namespace KestraBatch {
 
@@ -76,6 +78,17 @@ public:
                                 const renderer::ChannelWeights& weights,
                                 const renderer::ToneSettings& tone) override {
         return renderer::mix_and_tone(picture, weights, tone);
+    }
+    renderer::DisplayImage tone_clean(const renderer::ChannelFilm& picture,
+                                      const renderer::ChannelWeights& weights,
+                                      const renderer::ToneSettings& tone) override {
+        renderer::Film film = renderer::mix(picture, weights);
+        try {
+            renderer::denoise(film);
+        } catch (const std::invalid_argument&) {
+            return {}; // an opened picture without the buffers for it stays as it is
+        }
+        return renderer::tone_map(film, tone);
     }
     double exposure_of(const renderer::Film& film) override {
         return renderer::automatic_exposure(film);

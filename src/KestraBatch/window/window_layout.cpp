@@ -121,6 +121,11 @@ void RenderWindow::make_menus() {
             [this] { view_->zoom_step(-1); });
     view->actions().back()->setShortcuts({QKeySequence("-"), QKeySequence("Ctrl+-")});
     view->addSeparator();
+    QAction* grain = view->addAction("Finished picture without &grain");
+    grain->setCheckable(true);
+    grain->setChecked(without_grain_);
+    grain->setToolTip("As png and jpg are saved; off: as it was rendered");
+    connect(grain, &QAction::toggled, this, [this](bool on) { without_grain_ = on; });
     QAction* pages = view->addAction("&Pages at the right");
     pages->setCheckable(true);
     pages->setChecked(true);

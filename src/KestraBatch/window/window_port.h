@@ -74,7 +74,8 @@ struct WindowMemory {
     bool brighten = true; ///< exposure follows the channels' mix
 };
 
-/// The program's services. Called from the window's thread, but for tone and exposure_of.
+/// The program's services. Called from the window's thread, but for tone, tone_clean and
+/// exposure_of, which threads of its own call.
 class cl_window_program {
 public:
     virtual ~cl_window_program() = default;
@@ -84,6 +85,10 @@ public:
     virtual renderer::DisplayImage tone(const renderer::ChannelFilm& picture,
                                         const renderer::ChannelWeights& weights,
                                         const renderer::ToneSettings& tone) = 0;
+    /// The same without grain, as pictures to look at are saved; takes seconds.
+    virtual renderer::DisplayImage tone_clean(const renderer::ChannelFilm& picture,
+                                              const renderer::ChannelWeights& weights,
+                                              const renderer::ToneSettings& tone) = 0;
     virtual double exposure_of(const renderer::Film& film) = 0;
     /// The number of the signal that asks the program to end (SIGTERM for a close message), 0 none.
     virtual int stop_asked() = 0;

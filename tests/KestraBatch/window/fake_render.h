@@ -78,6 +78,9 @@ public:
     renderer::DisplayImage tone(const renderer::ChannelFilm& picture,
                                 const renderer::ChannelWeights& weights,
                                 const renderer::ToneSettings& tone) override;
+    renderer::DisplayImage tone_clean(const renderer::ChannelFilm& picture,
+                                      const renderer::ChannelWeights& weights,
+                                      const renderer::ToneSettings& tone) override;
     double exposure_of(const renderer::Film& film) override;
     int stop_asked() override { return signal; }
     KestraBatch::WindowMemory memory() override { return kept; }
@@ -85,7 +88,7 @@ public:
 
     KestraBatch::WindowMemory kept;
     int signal = 0;
-    std::atomic<int> toned = 0;
+    std::atomic<int> toned = 0, cleaned = 0;
 };
 
 } // namespace window_test

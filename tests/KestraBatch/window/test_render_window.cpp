@@ -321,6 +321,31 @@ TEST_F(RenderWindowTest, opens_a_picture_from_a_file) {
     EXPECT_EQ(questions_.size(), 2u) << "unchanged, it is saved already";
 }
 
+TEST_F(RenderWindowTest, a_finished_picture_loses_its_grain_when_it_stays) {
+    FakeOptions options;
+    options.passes = 4;
+    open(options);
+    ASSERT_TRUE(wait_for([&] { return window_->model().has_picture(); }));
+    EXPECT_EQ(program_.cleaned, 0) << "not while it is rendered";
+    ASSERT_TRUE(wait_for_state(SessionState::finished));
+    ASSERT_TRUE(wait_for([&] { return program_.cleaned == 1; }));
+    wait_for([] { return false; }, 400);
+    const QImage clean = window_->view().grab().toImage();
+    auto* slider = window_->tone_panel().row(0).findChild<QSlider*>();
+    for (int value = 51; value < 60; ++value) {
+        slider->setValue(value);
+        wait_for([] { return false; }, 20);
+    }
+    EXPECT_EQ(program_.cleaned, 1) << "a slider that moves does not wait for it";
+    ASSERT_TRUE(wait_for([&] { return program_.cleaned == 2; }));
+    slider->setValue(50);
+    wait_for([] { return false; }, 100);
+    EXPECT_NE(window_->view().grab().toImage(), clean) << "with grain at first";
+    ASSERT_TRUE(wait_for([&] { return window_->view().grab().toImage() == clean; }));
+    answer_.kind = CloseAnswer::discard;
+    EXPECT_TRUE(window_->close());
+}
+
 TEST_F(RenderWindowTest, the_wheel_zooms_and_pixels_stay_crisp) {
     open();
     ASSERT_TRUE(wait_until_shown());
