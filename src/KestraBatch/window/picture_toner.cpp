@@ -190,6 +190,7 @@ void PictureToner::clean_work() {
         lock.unlock();
         const auto clean = program_.tone_clean(*job.picture.film, job.picture.weights, job.tone);
         job.picture.levels = levels_of(to_image(clean));
+        job.picture.clean = true;
         lock.lock();
         if (job.turn == turn_ && !job.picture.levels.empty()) {
             deliver(std::move(job.picture));

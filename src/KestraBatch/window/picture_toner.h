@@ -23,6 +23,7 @@ struct TonedPicture {
     std::vector<QImage> levels; ///< at its size, and halved again and again
     std::uint64_t number = 0;   ///< as SessionStatus::picture
     double exposure = 0;        ///< of the picture as rendered; 0 unless it is held
+    bool clean = false;         ///< without grain
 };
 
 class PictureToner {

@@ -130,6 +130,7 @@ void RenderWindow::poll() {
         on_ended();
     }
     refresh();
+    grab_for_documents();
 }
 
 void RenderWindow::take_status() {
@@ -166,6 +167,7 @@ void RenderWindow::show_toned(const TonedPicture& toned) {
         retone(); // the channels may have been rendered with other factors than 1
     }
     view_->set_picture(toned.levels);
+    show_pixel();
     refresh();
 }
 
@@ -185,7 +187,7 @@ void RenderWindow::on_ended() {
         save_to(model_.facts().outputs);
     }
     QApplication::alert(this);
-    grab_for_documents();
+    ended_since_.start();
 }
 
 void RenderWindow::refresh() {
@@ -221,17 +223,16 @@ void RenderWindow::refresh_actions() {
     }
 }
 
-void RenderWindow::show_pixel(int column, int row) {
-    if (column < 0 || toned_.levels.empty() || !toned_.levels.front().valid(column, row)) {
+void RenderWindow::show_pixel() {
+    if (column_ < 0 || toned_.levels.empty() || !toned_.levels.front().valid(column_, row_)) {
         pixel_->clear();
         return;
     }
-    statusBar()->clearMessage(); // it would lie over the values
     const QImage& image = toned_.levels.front();
-    const QRgb shown = image.pixel(column, row);
-    const std::size_t at = static_cast<std::size_t>(row) * image.width() + column;
-    pixel_->setText(text_of(
-        pixel_text(column, row, light_at(toned_, at), {qRed(shown), qGreen(shown), qBlue(shown)})));
+    const QRgb shown = image.pixel(column_, row_);
+    const std::size_t at = static_cast<std::size_t>(row_) * image.width() + column_;
+    pixel_->setText(text_of(pixel_text(column_, row_, light_at(toned_, at),
+                                       {qRed(shown), qGreen(shown), qBlue(shown)})));
 }
 
 void RenderWindow::trigger(WindowCommand command) {

@@ -6,6 +6,7 @@
 #include "KestraBatch/window/picture_view.h"
 #include "KestraBatch/window/window_model.h"
 
+#include <QElapsedTimer>
 #include <QMainWindow>
 #include <QString>
 #include <QTimer>
@@ -96,7 +97,7 @@ private:
     void retone();
     void refresh();
     void refresh_actions();
-    void show_pixel(int column, int row);
+    void show_pixel();
     void pause_or_resume();
     void render_again();
     void more_passes();
@@ -134,6 +135,8 @@ private:
     bool without_grain_ = true; ///< finished pictures are shown as they are saved
     int exit_code_ = 0;
     QTimer timer_;
+    QElapsedTimer ended_since_;
+    int column_ = -1, row_ = -1; ///< of the pixel under the cursor
 
     std::map<WindowCommand, QAction*> actions_;
     PictureView* view_ = nullptr;

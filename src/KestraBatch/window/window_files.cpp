@@ -24,6 +24,9 @@ namespace {
 constexpr std::chrono::milliseconds stop_slice{10};
 constexpr int most_stop_slices = 1000;
 
+/// Pictures for documents wait as long for the grain to go.
+constexpr int longest_cleaning_ms = 60'000;
+
 QString text_of(const std::string& text) { return QString::fromStdString(text); }
 
 QString text_of(const std::filesystem::path& path) { return QString::fromStdString(path.string()); }
@@ -323,7 +326,9 @@ void RenderWindow::dropEvent(QDropEvent* event) {
 /// QORVANE_WINDOW_GRAB=FILE.png: a picture of the window with the finished render, and the end.
 void RenderWindow::grab_for_documents() {
     const QString file = qEnvironmentVariable("QORVANE_WINDOW_GRAB");
-    if (file.isEmpty() || model_.is_running()) {
+    const bool clean = toned_.clean || !without_grain_ || !model_.has_picture();
+    if (file.isEmpty() || forced_ || !end_handled_ ||
+        (!clean && ended_since_.elapsed() < longest_cleaning_ms)) {
         return;
     }
     wait_for_save();

@@ -194,7 +194,12 @@ QWidget* RenderWindow::make_pages() {
 
 void RenderWindow::make_bars() {
     view_ = new PictureView(this);
-    view_->on_pixel = [this](int column, int row) { show_pixel(column, row); };
+    view_->on_pixel = [this](int column, int row) {
+        column_ = column;
+        row_ = row;
+        statusBar()->clearMessage(); // it would lie over the values
+        show_pixel();
+    };
     view_->on_region = [this](PictureRegion region) { set_region(region); };
     view_->on_zoom = [this] {
         zoom_->setText(QString("%1 %").arg(view_->zoom() * 100, 0, 'f', 0));

@@ -462,6 +462,15 @@ TEST_F(RenderWindowTest, gallery) {
     EXPECT_LT(qGray(grabbed.pixel(grabbed.width() - 20, grabbed.height() - 60)), 100)
         << "the panel follows a dark palette";
     QApplication::setPalette(light);
+    on_next_box([](QWidget* box) {
+        keep(*box, "11_help");
+        box->close();
+    });
+    for (QAction* action : window_->findChildren<QAction*>()) {
+        if (action->shortcut() == QKeySequence("F1")) {
+            action->trigger();
+        }
+    }
     window_->ask_at_closing = ask_; // the real question
     on_next_box([](QWidget* box) {
         keep(*box, "10_close_question");
