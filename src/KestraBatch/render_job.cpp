@@ -1,6 +1,7 @@
 // From globals to a render job.
 #include "KestraBatch/render_job.h"
 
+#include "KestraBatch/saved_picture.h"
 #include "KestraBatch/scene_light.h"
 #include "Kestra_Qor/render_size.h"
 #include "Kestra_Qor/tone_values.h"
@@ -123,9 +124,9 @@ std::vector<std::filesystem::path> output_names(const Parameters& params, Warnin
         if (path.empty()) {
             continue;
         }
-        if (!renderer::is_supported_image_extension(lower_extension(path))) {
+        if (!renderer::is_supported_image_extension(lower_extension(path)) && !is_qor_image(path)) {
             const std::string text = path.string() + ": pictures of this kind are not written; " +
-                                     "take png, jpg, hdr or exr";
+                                     "take png, jpg, hdr, exr or QorImage";
             if (outputs.empty()) {
                 throw ReadError(ExitCode::output_unwritable, text);
             }

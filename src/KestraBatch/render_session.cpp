@@ -41,12 +41,6 @@ Problem current_problem(const std::filesystem::path& file) {
     }
 }
 
-/// False for the part of a first pass that holds nothing yet.
-bool has_light(const renderer::Film& film) {
-    return std::any_of(film.radiance.begin(), film.radiance.end(),
-                       [](renderer::Rgb c) { return renderer::max_component(c) > 0; });
-}
-
 } // namespace
 
 struct RenderSession::Impl {
@@ -69,6 +63,7 @@ struct RenderSession::Impl {
     std::shared_ptr<renderer::RenderControl> control = std::make_shared<renderer::RenderControl>();
     renderer::Renderer::SharedPicture picture;
     int passes_asked = 0;      ///< without those that the control has added
+    double time_limit = 0;     ///< seconds, 0 for none
     double seconds_before = 0; ///< of the renders that this one goes on from
     double fraction_before = 0;
 
@@ -203,10 +198,10 @@ void RenderSession::Impl::render(bool go_on) {
         const std::lock_guard lock(mutex);
         newest = go_on ? picture : nullptr;
         settings.passes = passes_asked;
+        settings.max_seconds = time_limit = go_on ? 0 : job.settings.max_seconds;
         status.state = control->stopped() ? status.state : SessionState::rendering;
         status.passes = passes_asked + control->added_passes();
     }
-    settings.max_seconds = go_on ? 0 : settings.max_seconds;
     Outcome outcome = Outcome::cancelled;
     do {
         if (control->stopped()) {
@@ -247,11 +242,10 @@ bool RenderSession::Impl::end_of_render(Outcome outcome) {
 
 void RenderSession::Impl::take_progress(const renderer::Progress& progress) {
     const std::lock_guard lock(mutex);
-    const double limit = passes_asked == job.settings.passes ? job.settings.max_seconds : 0;
-    const double by_time = limit > 0 ? std::min(1.0, progress.elapsed_seconds / limit) : 0;
+    const double by_time = time_limit > 0 ? progress.elapsed_seconds / time_limit : 0;
     status.pass = progress.pass;
     status.passes = progress.passes;
-    status.fraction = std::max(progress.fraction, by_time);
+    status.fraction = std::max(progress.fraction, std::min(by_time, 1.0));
     status.elapsed_seconds = seconds_before + progress.elapsed_seconds;
     const double gained = status.fraction - fraction_before;
     const bool known = gained > 0.002 || progress.elapsed_seconds > 2;
@@ -260,9 +254,8 @@ void RenderSession::Impl::take_progress(const renderer::Progress& progress) {
 }
 
 void RenderSession::Impl::publish(const renderer::Renderer::SharedPicture& newest) {
-    const bool worth_showing = newest && (newest->film.passes > 0 || has_light(newest->film));
     const std::lock_guard lock(mutex);
-    if (worth_showing && newest != picture) {
+    if (newest && newest != picture) {
         picture = newest;
         ++status.picture;
         status.pass = newest->film.passes;

@@ -91,7 +91,7 @@ private:
             told_no_window_ = true;
             progress_.warning({"no-window", "rendered without a window: " + run_.no_window});
         }
-        if (phase_ == phases.size()) {
+        if (status.elapsed_seconds > 0) { // there is something of the picture
             progress_.progress("rendering", status.fraction, status.pass, status.passes);
         }
     }

@@ -108,12 +108,16 @@ Outcome Renderer::run(const RenderSettings& settings, ChannelFilm& working, Rend
     if (!settings.resume || !can_go_on(working, settings))
         clear(working, settings);
     const int threads = usable_threads(settings.threads > 0 ? settings.threads : impl_->threads);
-    tbb::task_arena arena(threads);
+    // who looks on meanwhile, and mixes, comes first
+    tbb::task_arena arena(threads, 1, tbb::task_arena::priority::low);
     TileJob job(integrator, settings, working, control, progress);
     job.set_passes_done(working.film.passes);
     for (int pass = working.film.passes; pass < job.passes_asked(); ++pass) {
-        if (!job.run_pass(pass, arena, threads))
+        if (!job.run_pass(pass, arena)) {
+            if (working.film.passes == 0 && !job.has_pixels())
+                working = {};
             return job.outcome();
+        }
         working.film.passes = pass + 1;
         working.film.samples = (pass + 1) * settings.samples_per_pass;
         job.set_passes_done(pass + 1);
@@ -139,7 +143,7 @@ Outcome Renderer::render(const RenderSettings& settings, Film& film,
         if (pass_done)
             pass_done(film);
     });
-    if (!whole_passes)
+    if (!whole_passes && working.film.width > 0)
         film = std::move(working.film);
     return outcome;
 }
@@ -157,7 +161,7 @@ Outcome Renderer::render(const RenderSettings& settings, SharedPicture& picture,
         if (pass_done)
             pass_done(picture);
     });
-    if (!whole_passes)
+    if (!whole_passes && working.film.width > 0)
         picture = std::make_shared<const ChannelFilm>(std::move(working));
     return outcome;
 }

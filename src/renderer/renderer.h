@@ -51,7 +51,8 @@ public:
 
     /// The same, steered through `control`, with light by channel as the settings ask. With
     /// `settings.resume` it goes on from `picture`, which is what it would have been had all passes
-    /// been asked for at once. On return `picture` is the newest. A stop through `control` counts
+    /// been asked for at once. On return `picture` is the newest,
+    /// and as it was when not one pixel is rendered. A stop through `control` counts
     /// as cancelled; pauses do not count as time.
     Outcome render(const RenderSettings& settings, SharedPicture& picture, RenderControl& control,
                    const ProgressCallback& progress = {}, const PictureCallback& pass_done = {});

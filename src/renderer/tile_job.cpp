@@ -5,7 +5,6 @@
 #include <tbb/task_arena.h>
 
 #include <algorithm>
-#include <numeric>
 #include <xmmintrin.h>
 
 namespace renderer {
@@ -73,7 +72,7 @@ int TileJob::passes_asked() const {
 
 double TileJob::elapsed() const { return seconds_since(start_) - paused_seconds_; }
 
-bool TileJob::run_pass(int pass, tbb::task_arena& arena, int threads) {
+bool TileJob::run_pass(int pass, tbb::task_arena& arena) {
     std::fill(pixels_done_.begin(), pixels_done_.end(), 0);
     finished_tiles_ = 0;
     pass_ = pass;
@@ -86,12 +85,18 @@ bool TileJob::run_pass(int pass, tbb::task_arena& arena, int threads) {
         }
         order_tiles();
         next_ = 0;
+        const auto count = static_cast<int>(order_.size());
         arena.execute([&] {
             tbb::parallel_for(
-                0, threads, [&](int) { work(); }, tbb::simple_partitioner());
+                0, count, [&](int) { render_next_tile(); }, tbb::simple_partitioner());
         });
     } while (!stopped() && finished_tiles_ < tile_count());
     return finished_tiles_ == tile_count();
+}
+
+bool TileJob::has_pixels() const {
+    return std::any_of(pixels_done_.begin(), pixels_done_.end(),
+                       [](int done) { return done != 0; });
 }
 
 /// Unfinished tiles row by row, those of the region first.
@@ -112,13 +117,13 @@ void TileJob::order_tiles() {
     std::stable_partition(order_.begin(), order_.end(), in_region);
 }
 
-void TileJob::work() {
+/// The order is ours, whichever thread comes first. A task a tile, so that threads are free for
+/// others now and then.
+void TileJob::render_next_tile() {
+    if (stopped() || control_.changes() != changes_)
+        return;
     const FlushDenormals flush;
-    const auto count = static_cast<int>(order_.size());
-    for (int i = next_++; i < count && !stopped() && control_.changes() == changes_; i = next_++) {
-        const int tile = order_[static_cast<std::size_t>(i)];
-        if (!render_tile(tile))
-            return;
+    if (render_tile(order_[static_cast<std::size_t>(next_++)])) {
         ++finished_tiles_;
         between_tiles();
     }

@@ -37,9 +37,11 @@ public:
             RenderControl& control, const Renderer::ProgressCallback& progress);
 
     /// Renders one pass; false when it was stopped in its midst.
-    bool run_pass(int pass, tbb::task_arena& arena, int threads);
+    bool run_pass(int pass, tbb::task_arena& arena);
     /// Asks the callback even if it was asked a moment ago; false when the render must stop.
     bool report();
+    /// True when the pass that was stopped has rendered something.
+    bool has_pixels() const;
     bool stopped() const { return cancelled_ || late_ || control_.stopped(); }
     Outcome outcome() const;
     void set_passes_done(int passes) { passes_done_ = passes; }
@@ -49,7 +51,7 @@ private:
     int tiles_across() const;
     int tile_count() const { return static_cast<int>(pixels_done_.size()); }
     void order_tiles();
-    void work();
+    void render_next_tile();
     bool render_tile(int tile);
     void render_pixel(int x, int y);
     void between_tiles();

@@ -5,6 +5,7 @@
 #include "KestraBatch/progress.h"
 #include "omb/base/profile.h"
 #include "tests/KestraBatch/batch_texts.h"
+#include "tests/test_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -70,7 +71,7 @@ class BatchFolderOnDisk {
 public:
     explicit BatchFolderOnDisk(const std::string& name) {
         set_profile(nullptr); // no setting of a test before
-        folder = std::filesystem::path(testing::TempDir()) / ("batch_" + name);
+        folder = unique_test_path("batch_" + name);
         std::filesystem::remove_all(folder);
         std::filesystem::create_directories(folder / "Materials");
         write("params.txt", with(good_params, "/drawings/house.dxf", "/nowhere/house.dxf"));

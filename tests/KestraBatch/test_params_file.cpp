@@ -2,6 +2,7 @@
 #include "KestraBatch/params_file.h"
 
 #include "tests/KestraBatch/batch_texts.h"
+#include "tests/test_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -87,7 +88,7 @@ TEST(ParamsFile, DamageIsAnError) {
 
 TEST(ParamsFile, SmallFilesAreReadWithALimit) {
     const auto folder = std::filesystem::path(testing::TempDir());
-    const auto path = folder / "small.txt";
+    const auto path = unique_test_path("small.txt");
     std::ofstream(path, std::ios::binary) << "12345";
     EXPECT_EQ(read_small_file(path, ExitCode::missing, 5), "12345");
     EXPECT_EQ(message_of([&] { read_small_file(path, ExitCode::missing, 4); }),

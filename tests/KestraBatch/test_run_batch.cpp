@@ -1,6 +1,7 @@
 // Whole runs: a picture from a folder on disk, its statistics, and every way in which it can fail.
 #include "KestraBatch/run_batch.h"
 
+#include "KestraBatch/saved_picture.h"
 #include "tests/KestraBatch/folder_fixture.h"
 
 #include <gtest/gtest.h>
@@ -139,6 +140,20 @@ TEST(RunBatch, TheExtensionChoosesTheKindOfFile) {
         EXPECT_EQ(run(folder, out), 0) << name;
         EXPECT_EQ(read_picture(folder.folder / name).width, 64) << name;
     }
+}
+
+TEST(RunBatch, AQorImageKeepsWhatTheWindowNeeds) {
+    const BatchFolderOnDisk folder("native");
+    folder.write("option_globals.txt",
+                 with(folder.settings("rks_lighting_channel_intensity1; 3\n"),
+                      "sks_auto_image_name; out.png", "sks_auto_image_name; out.QorImage"));
+    OutputRecord out;
+    EXPECT_EQ(run(folder, out), 0);
+    renderer::QorImage image;
+    std::string error;
+    ASSERT_TRUE(open_saved_picture(folder.folder / "out.QorImage", image, error)) << error;
+    EXPECT_EQ(image.picture.channels.size(), 2u);
+    EXPECT_EQ(image.weights[1], 3);
 }
 
 TEST(RunBatch, DamageGivesItsExitCodeAndNoPicture) {

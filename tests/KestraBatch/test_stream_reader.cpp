@@ -4,6 +4,7 @@
 #include "KestraBatch/stream_model.h"
 #include "KestraBatch/stream_records.h"
 #include "tests/KestraBatch/batch_texts.h"
+#include "tests/test_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -224,7 +225,7 @@ TEST(StreamReader, AFileReadsAsItsTextDoesAcrossBlockEnds) {
     }
     text += "FACE;0,1,299999\r\nEMSH;\r\nEND;\r\n";
     ASSERT_GT(text.size(), std::size_t{9} << 20);
-    const auto path = std::filesystem::path(testing::TempDir()) / "long_stream.txt";
+    const auto path = unique_test_path("long_stream.txt");
     std::ofstream(path, std::ios::binary) << text;
 
     WarningList warnings;

@@ -3,6 +3,7 @@
 
 #include "KestraBatch/color.h"
 #include "KestraBatch/stream_reader.h"
+#include "tests/test_folder.h"
 #include "toolkit/ts_material.h"
 
 #include <gtest/gtest.h>
@@ -16,12 +17,13 @@ using namespace KestraBatch;
 class SurfaceTableTest : public testing::Test {
 protected:
     void SetUp() override {
-        folder_ = std::filesystem::path(testing::TempDir()) / "surface_table";
+        folder_ = unique_test_path("folder") / "surface_table";
         std::filesystem::create_directories(folder_);
         write("Oak", {0, 0, 1});
         write("Global", {0, 1, 0});
         std::ofstream(folder_ / "Broken.TsMaterial") << "<Mat";
     }
+    void TearDown() override { std::filesystem::remove_all(folder_.parent_path()); }
 
     void write(const std::string& name, CTsColor color) const {
         CTsMaterial material;

@@ -1,6 +1,7 @@
 #include "platform/process.h"
 
 #include "platform/files.h"
+#include "tests/test_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -17,7 +18,7 @@ using namespace platform;
 namespace {
 
 TEST(Process, ArgumentsArriveAsTheyAre) {
-    const fs::path out = fs::temp_directory_path() / "qorvane process test.txt";
+    const fs::path out = unique_test_path("process test.txt");
     fs::remove(out);
     std::string error;
     // The shell is the program under test's child here, not a way to quote.

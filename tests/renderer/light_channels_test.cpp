@@ -256,8 +256,7 @@ TEST(Steering, APausedRenderStops) {
     control.stop();
     rendering.join();
     EXPECT_EQ(outcome, Outcome::cancelled);
-    ASSERT_TRUE(picture);
-    EXPECT_EQ(picture->film.passes, 0);
+    EXPECT_FALSE(picture) << "there is nothing of it yet";
 }
 
 TEST(Steering, TimeStandsStillInAPause) {

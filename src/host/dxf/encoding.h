@@ -18,8 +18,8 @@ public:
 
     void set(int version, std::string_view code_page);
     bool is_utf8() const { return utf8_; }
-    /// File bytes to UTF-8, with \U+XXXX, \M+nXXXX and the carets ^J ^M ^I resolved. A byte that is none of the code
-    /// page becomes U+FFFD.
+    /// File bytes to UTF-8, with \U+XXXX, \M+nXXXX and the carets ^J ^M ^I resolved. A byte that is
+    /// none of the code page becomes U+FFFD.
     std::string decode(std::string_view bytes) const;
     /// UTF-8 to file bytes; characters that the code page lacks become \U+XXXX, line breaks ^J and
     /// ^M, and what looks like an escape is escaped itself: decode gives the text back.

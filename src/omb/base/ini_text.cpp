@@ -147,7 +147,7 @@ bool cl_ini_text::parse(std::string_view bytes) {
     if (bytes.find('\0') != bytes.npos) {
         return false;
     }
-    if (bytes.starts_with("\xEF\xBB\xBF")) {
+    while (bytes.starts_with("\xEF\xBB\xBF")) {
         bytes.remove_prefix(3);
     }
     const std::size_t first_end = bytes.find('\n');

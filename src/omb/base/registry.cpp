@@ -184,7 +184,7 @@ bool read_registry_entry(std::string_view full_key, cl_registry_result& result) 
     return false;
 }
 
-bool write_registry_entry(std::string_view full_key, cl_registry_result value) {
+bool write_registry_entry(std::string_view full_key, const cl_registry_result& value) {
     key_parts parts;
     if (!parse_key(full_key, parts)) {
         return false;

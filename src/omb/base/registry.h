@@ -26,7 +26,7 @@ struct cl_registry_result {
 /// is tried again under SOFTWARE\WOW6432Node\. False, with a trace, when it is not there.
 bool read_registry_entry(std::string_view full_key, cl_registry_result& result);
 /// False, with a trace, when the key text is not well formed.
-bool write_registry_entry(std::string_view full_key, cl_registry_result value);
+bool write_registry_entry(std::string_view full_key, const cl_registry_result& value);
 /// Replaces the store of the values; a null pointer brings back an empty one in memory. Names
 /// should know no case in it.
 void set_registry(std::unique_ptr<cl_profile_store> store);
