@@ -65,7 +65,7 @@ private:
     ViewTransform transform_;
     QString empty_text_, hint_;
     PictureRegion region_;
-    bool region_mode_ = false, dragging_ = false, moved_ = false;
+    bool region_mode_ = false, dragging_ = false;
     QPointF press_, last_; ///< device pixels
 };
 

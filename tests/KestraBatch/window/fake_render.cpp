@@ -259,7 +259,7 @@ renderer::DisplayImage FakeProgram::tone(const renderer::ChannelFilm& picture,
                                          std::pow(2.0, 4 * (tone.brightness - 0.5)));
     const auto to_byte = [&](float value) {
         const float shown = std::pow(1 - std::exp(-gain * value), 1 / 2.2f);
-        return static_cast<std::uint8_t>(std::clamp(shown, 0.0f, 1.0f) * 255 + 0.5f);
+        return static_cast<std::uint8_t>(std::lround(std::clamp(shown, 0.0f, 1.0f) * 255));
     };
     for (std::size_t i = 0; i < picture.film.radiance.size(); ++i) {
         Rgb sum;
