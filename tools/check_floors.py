@@ -14,6 +14,9 @@ FLOORS = ["platform", "host", "renderer", "toolkit", "omb", "Kestra_Qor", "Kestr
 FORBIDDEN = {("renderer", "host"), ("toolkit", "host"), ("omb", "host"), ("omb", "renderer"),
              ("Kestra_Qor", "host"), ("KestraBatch", "host"), ("omb_qorvane", "KestraBatch"),
              ("omb_qorvane", "renderer")}
+# The only folders that may know the widget library, whose headers begin with Q and a capital.
+WIDGET_FOLDERS = ("KestraBatch/window/", "platform/qt/")
+WIDGET_INCLUDE = re.compile(r'^\s*#\s*include\s+<(?:Qt\w*/)?Q[A-Za-z]\w*>')
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"')
 EXITS = re.compile(r'\b(?:std::)?(?:exit|abort|_exit|quick_exit)\s*\(')
 PRINTS = re.compile(r'\bstd::(?:cout|cerr)\b|\b(?:std::)?(?:printf|puts)\s*\(')
@@ -33,6 +36,8 @@ def check(path, source):
                 yield f"{where}: {floor}/ may not include {other}/, which stands above it"
             elif (floor, other) in FORBIDDEN:
                 yield f"{where}: {floor}/ and {other}/ may not know each other"
+        if WIDGET_INCLUDE.match(line) and not rel.as_posix().startswith(WIDGET_FOLDERS):
+            yield f"{where}: only {' and '.join(WIDGET_FOLDERS)} may include Qt"
         code = line.split("//")[0]
         if floor != "apps" and (EXITS.search(code) or PRINTS.search(code)):
             yield f"{where}: only apps/ may print or end the process"

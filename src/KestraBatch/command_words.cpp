@@ -36,6 +36,11 @@ std::array<WordRow, 9>& words() {
     return rows;
 }
 
+Dialog& missing_dialog() {
+    static Dialog dialog;
+    return dialog;
+}
+
 WordRow* find_word(std::string_view word) {
     auto& rows = words();
     const auto found = std::find_if(rows.begin(), rows.end(),
@@ -110,6 +115,10 @@ bool register_dialog(std::string_view word, Dialog dialog) {
     return true;
 }
 
+void register_missing_dialog(Dialog dialog) {
+    missing_dialog() = std::move(dialog);
+}
+
 std::optional<Command> parse_command(const std::vector<std::string>& arguments) {
     std::string line; // a caller may have cut the line at its blanks
     for (const std::string& argument : arguments) {
@@ -136,15 +145,18 @@ ExitCode run_command(const Command& command, cl_batch_output& out,
         return copy_project_render_folder(command, out);
     }
     const WordRow* row = find_word(command.word);
-    if (row == nullptr || !row->dialog) {
-        return refuse(out, ExitCode::cancelled,
-                      "the dialog '" + command.word + "' is not there yet");
+    const bool missing = row == nullptr || !row->dialog;
+    if (missing) {
+        out.error("the dialog '" + command.word + "' is not there yet");
+    }
+    const Dialog dialog = missing ? missing_dialog() : row->dialog;
+    if (!dialog) {
+        return ExitCode::cancelled;
     }
     const auto no_events = [] { return std::optional<DialogEvent>(); };
     DialogCall call{command.word, command.argument, out,
                     next_event ? next_event
                                : std::function<std::optional<DialogEvent>()>(no_events)};
-    const Dialog dialog = row->dialog;
     return dialog(call);
 }
 

@@ -39,6 +39,8 @@ using Dialog = std::function<ExitCode(DialogCall& call)>;
 
 /// Gives a dialog word its dialog; an empty one takes it away. False for a word that is none.
 bool register_dialog(std::string_view word, Dialog dialog);
+/// What runs in place of a dialog that nobody has registered, after it was told.
+void register_missing_dialog(Dialog dialog);
 
 /// A command line that is no render: a word and what belongs to it.
 struct Command {

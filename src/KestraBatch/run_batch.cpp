@@ -3,7 +3,6 @@
 
 #include "KestraBatch/command_words.h"
 #include "KestraBatch/render_session.h"
-#include "omb/globals/globals.h"
 
 #include <algorithm>
 #include <array>
@@ -56,7 +55,6 @@ private:
         }
         session.skip_render_without_outputs();
         session.start();
-        has_window_ = !get_global_bool("bks_close_window_when_image_done", false);
         while (!session.wait(poll_seconds)) {
             if (stopped()) {
                 session.stop();
@@ -89,10 +87,9 @@ private:
         for (; told_ < status.warnings.size(); ++told_) {
             progress_.warning(status.warnings[told_]);
         }
-        if (has_window_ && phase_ > 0 && !failed) {
-            has_window_ = false; // told once
-            progress_.warning({"no-window", "there is no render window yet; the picture is "
-                                            "rendered without one"});
+        if (!told_no_window_ && !run_.no_window.empty() && phase_ > 0 && !failed) {
+            told_no_window_ = true;
+            progress_.warning({"no-window", "rendered without a window: " + run_.no_window});
         }
         if (status.elapsed_seconds > 0) { // there is something of the picture
             progress_.progress("rendering", status.fraction, status.pass, status.passes);
@@ -142,7 +139,7 @@ private:
     const BatchRun& run_;
     std::size_t told_ = 0;  ///< warnings
     std::size_t phase_ = 0; ///< phases
-    bool has_window_ = false;
+    bool told_no_window_ = false;
     std::vector<std::string> saved_;
 };
 

@@ -21,6 +21,7 @@ struct BatchRun {
     /// What other programs ask of a dialog, in order; none when there is nothing. May be empty.
     std::function<std::optional<DialogEvent>()> next_event;
     int threads = 0; ///< 0: as the settings say
+    std::string no_window; ///< why there is no window, when one was wanted
 };
 
 /// Renders the batch folder whose parameter file is the one argument, or runs a command word, see

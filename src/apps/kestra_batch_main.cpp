@@ -1,5 +1,6 @@
 // The batch process: renders the batch folder that is named on its command line.
 #include "KestraBatch/run_batch.h"
+#include "KestraBatch/window/run_in_window.h"
 #include "apps/version.h"
 #include "omb/base/error_dialog.h"
 #include "omb/base/profile.h"
@@ -138,5 +139,10 @@ int main(int argc, char** argv) {
         OMB_TRACE(1, "No messages from other programs: %s", why);
     }
     ConsoleOutput out;
-    return KestraBatch::run_batch(std::vector<std::string>(argv + 1, argv + argc), out, run);
+    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    KestraBatch::register_notices(run);
+    if (const auto code = KestraBatch::run_in_window(arguments, out, run)) {
+        return *code;
+    }
+    return KestraBatch::run_batch(arguments, out, run);
 }
