@@ -89,6 +89,8 @@ float card_luminance(Rgb radiance, Rgb albedo) {
     return std::isfinite(card) ? card : 0;
 }
 
+constexpr std::size_t large_picture = 400'000; ///< pixels from which on a part is measured
+
 struct Measured {
     LightHistogram surfaces, sky;
 };
@@ -99,13 +101,19 @@ double measure_exposure(const Film& film, const RadianceSource& source) {
     constexpr double key_target = 0.26; // of the card, before the curve
     const std::size_t n = film.radiance.size();
     const bool featured = film.albedo.size() == n && film.alpha.size() == n;
+    // A large picture is known by a part of it: one block in three, another of the three each time.
+    const std::size_t step = n > large_picture ? 3 : 1;
+    const std::size_t blocks = (n + pixel_block - 1) / pixel_block;
     tbb::enumerable_thread_specific<Measured> parts;
     using Range = tbb::blocked_range<std::size_t>;
-    tbb::parallel_for(Range(0, (n + pixel_block - 1) / pixel_block), [&](const Range& range) {
+    tbb::parallel_for(Range(0, (blocks + step - 1) / step), [&](const Range& range) {
         Measured& part = parts.local();
         std::array<Rgb, pixel_block> buffer;
-        for (std::size_t block = range.begin(); block < range.end(); ++block) {
-            const std::size_t begin = block * pixel_block, end = std::min(begin + pixel_block, n);
+        for (std::size_t i_block = range.begin(); i_block < range.end(); ++i_block) {
+            const std::size_t begin = (i_block * step + i_block % step) * pixel_block;
+            const std::size_t end = std::min(begin + pixel_block, n);
+            if (begin >= end)
+                continue;
             const Rgb* radiance = source(begin, end, buffer.data());
             for (std::size_t i = begin; i < end; ++i) {
                 const bool surface = featured && film.alpha[i] > 0.5f;
@@ -122,7 +130,7 @@ double measure_exposure(const Film& film, const RadianceSource& source) {
         all.surfaces.add(part.surfaces);
         all.sky.add(part.sky);
     }
-    const LightHistogram& measured = all.surfaces.total() > n / 50 ? all.surfaces : all.sky;
+    const LightHistogram& measured = all.surfaces.total() > n / step / 50 ? all.surfaces : all.sky;
     if (measured.total() == 0)
         return 1;
     return std::clamp(key_target / measured.key(), 1e-12, 1e12);
