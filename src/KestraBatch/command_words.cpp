@@ -115,9 +115,7 @@ bool register_dialog(std::string_view word, Dialog dialog) {
     return true;
 }
 
-void register_missing_dialog(Dialog dialog) {
-    missing_dialog() = std::move(dialog);
-}
+void register_missing_dialog(Dialog dialog) { missing_dialog() = std::move(dialog); }
 
 std::optional<Command> parse_command(const std::vector<std::string>& arguments) {
     std::string line; // a caller may have cut the line at its blanks

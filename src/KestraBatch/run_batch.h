@@ -20,7 +20,7 @@ struct BatchRun {
     std::function<void()> take_messages;
     /// What other programs ask of a dialog, in order; none when there is nothing. May be empty.
     std::function<std::optional<DialogEvent>()> next_event;
-    int threads = 0; ///< 0: as the settings say
+    int threads = 0;       ///< 0: as the settings say
     std::string no_window; ///< why there is no window, when one was wanted
 };
 

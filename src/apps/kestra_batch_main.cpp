@@ -3,6 +3,7 @@
 #include "KestraBatch/window/run_in_window.h"
 #include "apps/version.h"
 #include "omb/base/error_dialog.h"
+#include "omb/base/message_box.h"
 #include "omb/base/profile.h"
 #include "omb/base/trace.h"
 #include "platform/files.h"
@@ -115,6 +116,17 @@ int threads_from_environment() {
     return threads;
 }
 
+/// Without a window, what a box would hold goes to standard error. A program that follows this one
+/// has read the same settings files, and told what is wrong with them.
+void tell_boxes_in_plain_words() {
+    const bool followed = !platform::environment("QORVANE_PROGRESS").empty();
+    set_message_sink([followed](const std::string& text, const std::string& title) {
+        if (!followed || title != settings_trouble_title) {
+            fmt::print(stderr, "{}\n", text);
+        }
+    });
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -122,6 +134,7 @@ int main(int argc, char** argv) {
     start_trace_from_environment("KestraBatch64");
     set_trace_sink([](int, const std::string& line) { fmt::print(stderr, "{}", line); });
     set_version_data({"KestraBatch64", apps::version_number(), apps::build_name(), {}});
+    tell_boxes_in_plain_words();
     open_user_profile(profile_use::read_only); // settings go back through option_globals.txt
     std::signal(SIGINT, on_signal);
     std::signal(SIGTERM, on_signal);

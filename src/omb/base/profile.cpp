@@ -59,7 +59,7 @@ void replace(holder& where, holder store) {
     where = store ? std::move(store) : make_memory_profile();
 }
 
-void tell(const std::string& text) { do_message_box(text, "Settings"); }
+void tell(const std::string& text) { do_message_box(text, settings_trouble_title); }
 
 holder store_in_file(const std::string& path, profile_use use, bool fold_case) {
     holder store = std::make_unique<cl_file_profile>(path, tell, fold_case);

@@ -49,6 +49,9 @@ enum class profile_use {
     read_and_write, ///< what is set is kept
     read_only       ///< what is set ends with the process
 };
+/// Title of the box that tells of a settings file that cannot be used.
+inline constexpr const char* settings_trouble_title = "Settings";
+
 /// Opens the profile and the initialisation file of the user's settings folder, and the registry
 /// beside them. Trouble is told once through the message box and the program runs on in memory.
 void open_user_profile(profile_use use);
