@@ -66,7 +66,7 @@ void TerminalPort::write(const std::string& text) {
     }
 }
 
-void TerminalPort::alert(const std::string& text) {
+std::string one_line(const std::string& text) {
     std::string line;
     for (const char c : text) {
         const bool blank = c == '\n' || c == '\r' || c == ' ';
@@ -74,6 +74,11 @@ void TerminalPort::alert(const std::string& text) {
             line += blank ? ' ' : c;
         }
     }
+    return line;
+}
+
+void TerminalPort::alert(const std::string& text) {
+    const std::string line = one_line(text);
     if (show_) {
         fmt::print(stderr, "qorvane: {}\n", line);
     } else if (alerts_.size() < kMostAlerts &&

@@ -21,6 +21,9 @@ struct Failure {
     std::string message; ///< "FILE: what is wrong"
 };
 
+/// The text with line breaks and runs of blanks as single blanks.
+std::string one_line(const std::string& text);
+
 /// The host's command line on the terminal: reads lines from a script, or nothing, and shows
 /// output when asked to.
 class TerminalPort : public AcEdInputPort {

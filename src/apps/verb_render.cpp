@@ -126,6 +126,12 @@ int follow_process(std::int64_t process, double limit_seconds, ProgressChannel& 
     if (interrupts_received() > 0) {
         return interrupted_code();
     }
+    constexpr int kSignal = 128; // exit statuses from here on tell of a signal
+    if (code > kSignal && code != kInterrupted && code != kTerminated) {
+        throw Failure{kFailed, fmt::format("the batch process was ended by signal {}; there is no "
+                                           "picture",
+                                           code - kSignal)};
+    }
     return timed_out && code == kInterrupted ? kDone : code;
 }
 
@@ -176,7 +182,7 @@ public:
         using LastError = const char* (*)();
         const auto last_error =
             reinterpret_cast<LastError>(session_.add_on_symbol("omb_last_error"));
-        std::string words = last_error();
+        std::string words = one_line(last_error());
         if (const auto alerts = port_.take_alerts(); !alerts.empty()) {
             words = alerts.front();
         }

@@ -306,9 +306,9 @@ int cl_omb_export::start_batch_process() {
     const auto started = platform::start_process(exe, {params_path}, application_folder, error);
     if (!started) {
         // Composed and not shown: a render that does not start is silent.
-        last_error =
-            fmt::format("Render failure. Process could not be started.\n\nSEXEC: {}", command_line);
-        OMB_TRACE(1, "%s: %s", last_error, error);
+        last_error = fmt::format("Render failure. Process could not be started.\n\nSEXEC: {}\n\n{}",
+                                 command_line, error);
+        OMB_TRACE(1, "%s", last_error);
         return 0;
     }
     last_process_id = started->process_id;

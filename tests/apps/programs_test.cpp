@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -258,6 +259,27 @@ TEST_F(Programs, AnInterruptSavesThePictureSoFar) {
     OIIO::ImageSpec spec;
     EXPECT_EQ(pixels(folder_ / "box.png", spec).size(), 400U * 300 * 3);
     EXPECT_TRUE(no_leftovers(folder_));
+}
+
+TEST_F(Programs, ABatchProcessThatIsKilledIsTold) {
+    const std::int64_t process = start(
+        {"render", "box.dxf", "-s", "400x300", "--passes", "5000", "--quiet", "-o", "killed.png"});
+    std::int64_t batch = 0;
+    for (int i = 0; i < 1200 && batch == 0; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(25));
+        for (const platform::ProcessInfo& entry : platform::process_snapshot()) {
+            batch = entry.parent_id == process && entry.name.starts_with("KestraBatch")
+                        ? entry.process_id
+                        : batch;
+        }
+    }
+    ASSERT_NE(batch, 0);
+    kill(static_cast<pid_t>(batch), SIGKILL);
+    const Outcome outcome = finish(process);
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_EQ(outcome.err,
+              "qorvane: the batch process was ended by signal 9; there is no picture\n");
+    EXPECT_FALSE(fs::exists(folder_ / "killed.png"));
 }
 
 TEST_F(Programs, ATimeLimitEndsWellWithThePicture) {
