@@ -41,6 +41,30 @@ Problem current_problem(const std::filesystem::path& file) {
     }
 }
 
+/// Each pixel as a square of `factor` pixels.
+renderer::Film enlarged(const renderer::Film& small, int factor, int width, int height) {
+    renderer::Film film;
+    film.width = width;
+    film.height = height;
+    const auto n = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+    const auto grow = [&](const auto& from, auto& to) {
+        to.resize(n);
+        for (std::size_t i = 0; i < n; ++i) {
+            const int x = static_cast<int>(i) % width / factor;
+            const int y = static_cast<int>(i) / width / factor;
+            to[i] = from[static_cast<std::size_t>(y) * static_cast<std::size_t>(small.width) +
+                         static_cast<std::size_t>(x)];
+        }
+    };
+    grow(small.radiance, film.radiance);
+    grow(small.alpha, film.alpha);
+    grow(small.albedo, film.albedo);
+    grow(small.normal, film.normal);
+    grow(small.depth, film.depth);
+    grow(small.variance, film.variance);
+    return film;
+}
+
 } // namespace
 
 struct RenderSession::Impl {
@@ -48,6 +72,7 @@ struct RenderSession::Impl {
     std::string program_version;
     int threads = 0;
     bool outputs_only = false;
+    bool drafts = false;
 
     // written by the owner before the thread begins, and by the thread before it renders
     BatchFolder folder;
@@ -62,9 +87,10 @@ struct RenderSession::Impl {
     SessionStatus status;
     std::shared_ptr<renderer::RenderControl> control = std::make_shared<renderer::RenderControl>();
     renderer::Renderer::SharedPicture picture;
-    int passes_asked = 0;      ///< without those that the control has added
-    double time_limit = 0;     ///< seconds, 0 for none
-    double seconds_before = 0; ///< of the renders that this one goes on from
+    renderer::Renderer::SharedPicture draft; ///< shown while there is no picture
+    int passes_asked = 0;                    ///< without those that the control has added
+    double time_limit = 0;                   ///< seconds, 0 for none
+    double seconds_before = 0;               ///< of the renders that this one goes on from
     double fraction_before = 0;
 
     // ---- on the owner's thread ----
@@ -76,6 +102,7 @@ struct RenderSession::Impl {
     void work(bool go_on);
     void build();
     void render(bool go_on);
+    void render_drafts();
     bool end_of_render(Outcome outcome);
     void take_progress(const renderer::Progress& progress);
     void publish(const renderer::Renderer::SharedPicture& newest);
@@ -202,6 +229,9 @@ void RenderSession::Impl::render(bool go_on) {
         status.state = control->stopped() ? status.state : SessionState::rendering;
         status.passes = passes_asked + control->added_passes();
     }
+    if (drafts && !newest) {
+        render_drafts();
+    }
     Outcome outcome = Outcome::cancelled;
     do {
         if (control->stopped()) {
@@ -219,6 +249,29 @@ void RenderSession::Impl::render(bool go_on) {
     } while (!end_of_render(outcome));
     if (outcome == Outcome::cancelled) {
         end(SessionState::stopped, {ExitCode::terminated, "stopped as asked"});
+    }
+}
+
+/// Two quick looks, a sixteenth and a quarter of the pixels, one path each.
+void RenderSession::Impl::render_drafts() {
+    for (const int divisor : {4, 2}) {
+        renderer::RenderSettings settings = job.settings;
+        settings.width = (settings.width + divisor - 1) / divisor;
+        settings.height = (settings.height + divisor - 1) / divisor;
+        settings.passes = settings.samples_per_pass = 1;
+        settings.max_seconds = 0;
+        settings.light.channels.clear();
+        renderer::Film small;
+        const Outcome outcome = renderer->render(
+            settings, small, [this](const renderer::Progress&) { return !control->stopped(); });
+        if (outcome != Outcome::finished) {
+            return;
+        }
+        auto large = std::make_shared<renderer::ChannelFilm>();
+        large->film = enlarged(small, divisor, job.settings.width, job.settings.height);
+        const std::lock_guard lock(mutex);
+        draft = std::move(large);
+        ++status.picture;
     }
 }
 
@@ -257,6 +310,7 @@ void RenderSession::Impl::publish(const renderer::Renderer::SharedPicture& newes
     const std::lock_guard lock(mutex);
     if (newest && newest != picture) {
         picture = newest;
+        draft = nullptr;
         ++status.picture;
         status.pass = newest->film.passes;
     }
@@ -274,6 +328,8 @@ RenderSession::RenderSession(std::filesystem::path params_file, std::string prog
 
 RenderSession::~RenderSession() { impl_->stop_and_join(); }
 
+void RenderSession::show_drafts() { impl_->drafts = true; }
+
 void RenderSession::skip_render_without_outputs() { impl_->outputs_only = true; }
 
 void RenderSession::start() {
@@ -289,7 +345,7 @@ void RenderSession::start() {
         const std::uint64_t number = s.status.picture;
         s.status = {};
         s.status.picture = number;
-        s.picture = nullptr;
+        s.picture = s.draft = nullptr;
         s.seconds_before = s.fraction_before = 0;
     }
     if (!s.read_settings()) {
@@ -353,10 +409,10 @@ bool RenderSession::take_picture(std::uint64_t& known, renderer::ChannelFilm& pi
     renderer::Renderer::SharedPicture newest;
     {
         const std::lock_guard lock(impl_->mutex);
-        if (!impl_->picture || impl_->status.picture == known) {
+        newest = impl_->picture ? impl_->picture : impl_->draft;
+        if (!newest || impl_->status.picture == known) {
             return false;
         }
-        newest = impl_->picture;
         known = impl_->status.picture;
     }
     picture = *newest;

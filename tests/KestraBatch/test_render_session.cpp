@@ -106,6 +106,18 @@ TEST_F(RenderSessionTest, MorePassesAreWhatAllAtOnceWouldBe) {
     EXPECT_TRUE(same_light(picture_of(session), picture_of(whole)));
 }
 
+TEST_F(RenderSessionTest, DraftsComeFirstAndLeaveNoTrace) {
+    RenderSession plain(folder.params(), "test", 2);
+    plain.start();
+    ASSERT_TRUE(plain.wait(long_enough));
+    RenderSession watched(folder.params(), "test", 2);
+    watched.show_drafts();
+    watched.start();
+    ASSERT_TRUE(watched.wait(long_enough));
+    EXPECT_TRUE(same_light(picture_of(watched), picture_of(plain)));
+    EXPECT_EQ(watched.status().picture, plain.status().picture + 2);
+}
+
 TEST_F(RenderSessionTest, PausesAndStopsAndKeepsWhatItHas) {
     passes(500000);
     RenderSession session(folder.params(), "test", 2);

@@ -48,6 +48,7 @@ SessionPicture::SessionPicture(const std::filesystem::path& params_file,
                                cl_batch_output& out)
   : session_(params_file, program_version, threads)
   , progress_(out) {
+    session_.show_drafts();
     progress_.start(program_version);
 }
 
