@@ -44,8 +44,8 @@ public:
     /// Without a name to save the picture under, it ends as soon as the scene is built. Before
     /// `start`.
     void skip_render_without_outputs();
-    /// Shows coarse pictures until the first pass is there, for somebody who looks on. They are only
-    /// to be taken, never saved. Before `start`.
+    /// Shows coarse pictures until the first pass is there, for somebody who looks on. They are
+    /// only to be taken, never saved. Before `start`.
     void show_drafts();
     /// Reads the folder's settings into the globals, at once; reads the geometry and renders on the
     /// session's thread. Again after an end: from the start, with the folder read anew. What goes
