@@ -42,9 +42,9 @@ constexpr KindRow kKinds[] = {{'b', "bool"},   {'i', "int"},   {'s', "text"},
 std::optional<std::string_view> sentinel(std::string_view name) {
     switch (name.front()) {
     case 's':
-        return "ZZZ";
+        return profile_sentinel::text;
     case 'c':
-        return "xxx";
+        return profile_sentinel::color;
     default:
         return std::nullopt;
     }
@@ -53,18 +53,18 @@ std::optional<std::string_view> sentinel(std::string_view name) {
 bool is_whole_number(std::string_view name) { return name.front() == 'b' || name.front() == 'i'; }
 
 bool profile_holds(std::string_view name) {
-    constexpr std::int32_t kNoInteger = -99999;
     const std::optional<std::string_view> text = profile().read(kSection, name);
     if (!text) {
         return false;
     }
-    return is_whole_number(name) ? omb::parse_int(*text) != kNoInteger : text != sentinel(name);
+    return is_whole_number(name) ? omb::parse_int(*text) != profile_sentinel::whole_number
+                                 : text != sentinel(name);
 }
 
 /// Numbers with a fraction never ask the initialisation file.
 bool initialisation_holds(std::string_view name) {
     const std::optional<std::string_view> text = initialisation_file().read(kSection, name);
-    return (is_whole_number(name) || sentinel(name)) && text && *text != "ZZZ";
+    return (is_whole_number(name) || sentinel(name)) && text && *text != profile_sentinel::text;
 }
 
 /// A remembered zero that reads as the default counts as nothing remembered.

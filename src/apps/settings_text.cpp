@@ -3,6 +3,7 @@
 
 #include "omb/base/math.h"
 #include "omb/base/text.h"
+#include "omb/globals/catalogue.h"
 
 #include <algorithm>
 #include <charconv>
@@ -68,13 +69,13 @@ CheckedText check_bool(std::string_view text, TextForm form) {
 }
 
 CheckedText check_int(std::string_view text, TextForm) {
-    constexpr std::int64_t kNoValue = -99999; // the profile's word for "never written"
     const auto value = integer_32(text);
     if (!value) {
         return wrong("takes a whole number from -2147483648 to 2147483647");
     }
-    return *value == kNoValue ? wrong("cannot keep this number: it stands for 'no value'")
-                              : CheckedText{std::to_string(*value), {}};
+    return *value == profile_sentinel::whole_number
+               ? wrong("cannot keep this number: it stands for 'no value'")
+               : CheckedText{std::to_string(*value), {}};
 }
 
 CheckedText check_double(std::string_view text, TextForm) {
@@ -136,8 +137,8 @@ CheckedText check_text(std::string_view text, TextForm) {
     if (text.find_first_of("\r\n") != std::string_view::npos) {
         return wrong("takes a text of one line");
     }
-    return text == "ZZZ" ? wrong("cannot keep this text: it stands for 'no value'")
-                         : CheckedText{std::string(text), {}};
+    return text == profile_sentinel::text ? wrong("cannot keep this text: it stands for 'no value'")
+                                          : CheckedText{std::string(text), {}};
 }
 
 struct KindCheck {

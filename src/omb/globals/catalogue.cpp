@@ -12,20 +12,18 @@
 namespace {
 
 constexpr const char* section = "Globals";
-constexpr const char* file_sentinel = "ZZZ"; ///< "no such key" in the initialisation file
 
 /// The remembered text of a key from the initialisation file.
 std::optional<std::string> read_initialisation(std::string_view key) {
-    std::string text = initialisation_file().read_text(section, key, file_sentinel);
-    return text == file_sentinel ? std::nullopt : std::optional(std::move(text));
+    std::string text = initialisation_file().read_text(section, key, profile_sentinel::text);
+    return text == profile_sentinel::text ? std::nullopt : std::optional(std::move(text));
 }
 
 /// The remembered value of each kind, or nothing. A profile that holds the sentinel itself cannot
 /// be told from one that holds nothing.
 std::optional<std::int32_t> remembered_int(std::string_view key) {
-    constexpr std::int32_t sentinel = -99999;
-    const std::int32_t value = profile().read_int(section, key, sentinel);
-    if (value != sentinel) {
+    const std::int32_t value = profile().read_int(section, key, profile_sentinel::whole_number);
+    if (value != profile_sentinel::whole_number) {
         return value;
     }
     const std::optional<std::string> text = read_initialisation(key);
@@ -33,14 +31,14 @@ std::optional<std::int32_t> remembered_int(std::string_view key) {
 }
 
 std::optional<std::string> remembered_string(std::string_view key) {
-    std::string text = profile().read_text(section, key, file_sentinel);
-    return text == file_sentinel ? read_initialisation(key) : std::optional(std::move(text));
+    std::string text = profile().read_text(section, key, profile_sentinel::text);
+    return text == profile_sentinel::text ? read_initialisation(key)
+                                          : std::optional(std::move(text));
 }
 
 std::optional<COLORREF> remembered_color(std::string_view key) {
-    constexpr const char* sentinel = "xxx";
-    std::optional<std::string> text = profile().read_text(section, key, sentinel);
-    if (*text == sentinel) {
+    std::optional<std::string> text = profile().read_text(section, key, profile_sentinel::color);
+    if (*text == profile_sentinel::color) {
         text = read_initialisation(key);
     }
     return text ? std::optional(parse_colorref(*text)) : std::nullopt;

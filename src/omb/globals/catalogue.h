@@ -28,6 +28,14 @@ std::span<const catalogue_group> main_catalogue();
 std::span<const catalogue_group> application_catalogue(); ///< without the main block
 std::span<const catalogue_group> report_catalogue();
 
+/// What a profile answers for a key that it does not hold: a stored value that equals it reads as
+/// missing, and the initialisation file is asked. Doubles and points have no such value.
+namespace profile_sentinel {
+inline constexpr std::int32_t whole_number = -99999;
+inline constexpr std::string_view text = "ZZZ"; ///< of the initialisation file too, for every kind
+inline constexpr std::string_view color = "xxx";
+} // namespace profile_sentinel
+
 /// Mode 0 makes what is missing and leaves values alone; mode 1 sets every global to its default.
 void preset_globals(int mode);
 /// The main block and then the application block.
