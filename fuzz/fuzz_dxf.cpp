@@ -1,14 +1,35 @@
 // Any bytes as a drawing: read, asked for all that can be asked, changed and written.
 #include "host/db/block_reference.h"
 #include "host/db/database.h"
+#include "host/db/image.h"
+#include "host/db/light.h"
 #include "host/dxf/facts.h"
 #include "host/dxf/writer.h"
+#include "host/gi/fallback.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 
 namespace {
+
+/// What only lights and pictures can be asked.
+void ask_kind(const AcDbEntity& entity) {
+    if (const auto* light = AcDbLight::cast(&entity); light != nullptr) {
+        const double length = light->lightDirection().length();
+        if (!(length > 0.999 && length < 1.001)) {
+            std::abort(); // a direction is always a unit vector
+        }
+        (void)light->webFile();
+    } else if (const auto* image = AcDbRasterImage::cast(&entity); image != nullptr) {
+        for (const AcGePoint3d& p : image->getVertices()) {
+            if (!gi::isFinite(p)) {
+                std::abort();
+            }
+        }
+        (void)image->sourceFileName();
+    }
+}
 
 void touch(AcDbDatabase& db, AcDbObjectId id) {
     AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
@@ -18,6 +39,9 @@ void touch(AcDbDatabase& db, AcDbObjectId id) {
     (void)entity->layer();
     (void)entity->xData();
     (void)entity->extensionDictionary();
+    (void)entity->mapper();
+    (void)db.groupOf(id);
+    ask_kind(*entity);
     entity->setColor(AcCmEntityColor::index(3));
     entity->setMaterial(db.globalMaterial());
 }

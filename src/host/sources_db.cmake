@@ -8,9 +8,15 @@ set(HOST_DB_SOURCES
   db/errors.cpp
   db/extents.cpp
   db/faces_dxf.cpp
+  db/group.cpp
   db/hatch.cpp
+  db/image_def.cpp
+  db/image_dxf.cpp
+  db/light_dxf.cpp
+  db/material_mapper.cpp
   db/object.cpp
   db/polylines_dxf.cpp
+  db/support_files.cpp
   db/symbol_tables.cpp
   db/text.cpp
   db/unknown.cpp

@@ -4,9 +4,15 @@ set(HOST_DRAW_SOURCES
   gi/gi.cpp
   gi/pline.cpp
   gi/recorder.cpp
+  gs/painter.cpp
+  gs/snapshot.cpp
+  gs/snapshot_draw.cpp
   gs/view.cpp
+  db/host_services.cpp
   ed/commands.cpp
   ed/document.cpp
+  ed/jig.cpp
+  ed/point_text.cpp
   ed/prompts.cpp
   rx/module.cpp
   db/block_extents.cpp
@@ -14,6 +20,8 @@ set(HOST_DRAW_SOURCES
   db/curves.cpp
   db/entity.cpp
   db/faces.cpp
+  db/image.cpp
+  db/light.cpp
   db/meshes.cpp
   db/polylines.cpp
   db/spline.cpp

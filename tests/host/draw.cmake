@@ -7,8 +7,11 @@ qorvane_test(test_host_draw
     draw/extents_test.cpp
     draw/fallback_test.cpp
     draw/ge_test.cpp
+    draw/jig_test.cpp
     draw/meshes_test.cpp
     draw/module_test.cpp
+    draw/services_test.cpp
+    draw/snapshot_test.cpp
     draw/spline_test.cpp
     draw/subdivision_test.cpp
     draw/view_test.cpp

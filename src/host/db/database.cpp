@@ -2,6 +2,7 @@
 #include "host/db/database.h"
 
 #include "host/db/database_impl.h"
+#include "host/db/group.h"
 #include "host/dxf/load_context.h"
 #include "host/dxf/object_tags.h"
 #include "host/dxf/reader.h"
@@ -86,6 +87,12 @@ void DxfAccess::set_span(AcDbObject& o, dxf::Span span) {
     o.source_begin_ = span.begin;
     o.source_length_ =
         static_cast<std::uint32_t>(std::min<std::uint64_t>(span.end - span.begin, Limits::max()));
+}
+
+void DxfAccess::note_attachments(AcDbObject& o, const dxf::ObjectTags& tags) {
+    o.entity_flags_ = static_cast<std::uint8_t>(o.entity_flags_ |
+                                                (tags.extension_dictionary() != 0 ? kExtended : 0) |
+                                                (tags.xdata().empty() ? 0 : kAttached));
 }
 
 void DxfAccess::set_implied(AcDbObject& o, bool implied) {
@@ -281,6 +288,10 @@ AcDbObjectId AcDbDatabase::addAcDbObject(std::unique_ptr<AcDbObject> object, AcD
     DxfAccess::adopt(*this, row, std::move(object));
     raw->owner_ = owner;
     raw->modified_ = !DxfAccess::implied(*raw);
+    if (AcDbGroup::cast(raw) != nullptr) {
+        impl_->forget_groups();
+    }
+    raw->register_applications();
     return AcDbObjectId(row);
 }
 

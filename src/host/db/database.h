@@ -81,6 +81,12 @@ public:
     /// Materials of the drawing in dictionary order, ByLayer, ByBlock and Global included.
     std::vector<AcDbObjectId> materials() const;
 
+    /// Groups of the drawing in dictionary order.
+    std::vector<AcDbObjectId> groups() const;
+    /// The number, from 0, of the first group in groups() that the entity is a member of; -1 for
+    /// one in none. The members of all groups are gathered at the first call.
+    int groupOf(AcDbObjectId entity) const;
+
     /// The id for a handle; null when nothing has it.
     AcDbObjectId getAcDbObjectId(AcDbHandle handle) const;
     /// Takes an object over, with a new handle.
@@ -94,6 +100,7 @@ private:
     friend class AcDbSymbolTable;
     friend class AcDbDictionary;
     friend class AcDbObject;
+    friend class AcDbGroup;
     struct Impl; ///< object table, handle index, file spans, header
     std::unique_ptr<Impl> impl_;
     AcDbLoadReport report_;

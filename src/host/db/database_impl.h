@@ -50,6 +50,14 @@ struct AcDbDatabase::Impl {
     std::map<std::string, AcDbValues> header_changes;
     AcDbObjectId material_dictionary, paper_space;
     std::size_t objects = 0;
+    /// Which group an entity belongs to; gathered when first asked for.
+    std::unordered_map<const AcDbStub*, int> group_of;
+    bool groups_known = false;
+
+    void forget_groups() {
+        group_of.clear();
+        groups_known = false;
+    }
 
     AcDbStub* find(std::uint64_t handle) const { return index.find(handle); }
     /// The row of a handle, made when missing.
@@ -66,7 +74,9 @@ struct DxfAccess {
     enum : std::uint8_t {
         kInvisible = 1,
         kPaperSpace = 2,
-        kImplied = 128 ///< made in memory because every drawing has it; written when it is used
+        kExtended = 8,  ///< its tags name an extension dictionary
+        kAttached = 16, ///< there are extended data among its tags
+        kImplied = 128  ///< made in memory because every drawing has it; written when it is used
     };
     static Impl& impl(AcDbDatabase& db) { return *db.impl_; }
     static const Impl& impl(const AcDbDatabase& db) { return *db.impl_; }
@@ -93,6 +103,9 @@ struct DxfAccess {
     static bool modified(const AcDbObject& o) { return o.modified_; }
     static void set_modified(AcDbObject& o, bool modified) { o.modified_ = modified; }
     static std::uint8_t& flags(AcDbObject& o) { return o.entity_flags_; }
+    static bool attached(const AcDbObject& o) { return (o.entity_flags_ & kAttached) != 0; }
+    /// Notes what else hangs on an object, so that most objects need not be read for it again.
+    static void note_attachments(AcDbObject& o, const dxf::ObjectTags& tags);
     static bool implied(const AcDbObject& o) { return (o.entity_flags_ & kImplied) != 0; }
     static void set_implied(AcDbObject& o, bool implied);
     static const dxf::ObjectExtras* extras(const AcDbObject& o) { return o.extras_.get(); }

@@ -93,7 +93,7 @@ void AcDbDictionary::dxfOut(dxf::TagWriter& writer) const {
 
 Acad::ErrorStatus AcDbXrecord::setFromRbChain(AcDbValues values) {
     const bool good = std::all_of(values.begin(), values.end(), [](const AcDbValue& value) {
-        return value.code > 0 && value.code < 1000;
+        return value.code > 0 && value.code < 1000 && dxf::fits_code(value);
     });
     if (!good) {
         return Acad::eInvalidInput;

@@ -38,6 +38,8 @@ class AcDbXrecord : public AcDbObject {
     ACRX_DECLARE_MEMBERS(AcDbXrecord)
 public:
     const AcDbValues& rbChain() const { return values_; }
+    /// eInvalidInput for a value that does not fit its code. Bytes (310 to 319) may be of any
+    /// length; files cut them into values of at most 127.
     Acad::ErrorStatus setFromRbChain(AcDbValues values);
 
     void dxfIn(const dxf::ObjectTags& tags) override;

@@ -59,9 +59,19 @@ bool AcDbEntity::isInPaperSpace() const { return (entity_flags_ & kPaperSpaceBit
 Acad::ErrorStatus AcDbEntity::getGeomExtents(AcDbExtents&) const { return Acad::eNullExtents; }
 
 void AcDbEntity::list() const {
-    acutPrintf(fmt::format("\n{:<18} Layer: \"{}\"\n{:<18} Space: {} space\n{:<18} Handle = {:X}\n",
-                           dxfName(), layer(), "", isInPaperSpace() ? "Paper" : "Model", "",
-                           getAcDbHandle().value()));
+    const auto line = [](const std::string& text) {
+        acutPrintf(fmt::format("{:<18} {}\n", "", text));
+    };
+    acutPrintf(fmt::format("\n{:<18} Layer: \"{}\"\n", dxfName(), layer()));
+    line(fmt::format("Class: {}", isA()->name()));
+    line(fmt::format("Space: {} space", isInPaperSpace() ? "Paper" : "Model"));
+    line(fmt::format("Handle = {:X}", getAcDbHandle().value()));
+    AcDbExtents box;
+    if (getGeomExtents(box) == Acad::eOk) {
+        const AcGePoint3d &a = box.minPoint(), &b = box.maxPoint();
+        line(fmt::format("from X = {:.8g}  Y = {:.8g}  Z = {:.8g}", a.x, a.y, a.z));
+        line(fmt::format("  to X = {:.8g}  Y = {:.8g}  Z = {:.8g}", b.x, b.y, b.z));
+    }
 }
 
 std::uint32_t AcDbEntity::setAttributes(AcGiDrawableTraits* traits) {

@@ -30,11 +30,12 @@ public:
     /// take the boxes of their contents.
     virtual Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const;
     /// The mapper attached to the entity, null when there is none.
-    virtual const AcGiMapper* mapper() const { return nullptr; }
+    virtual const AcGiMapper* mapper() const;
     /// Why the entity gives no faces although it is visible, as a stable code for reports, or null
     /// when it is drawn in full ("text", "curve-without-thickness", "solid", "hatch" ...).
     virtual const char* notRenderedReason() const { return nullptr; }
-    /// Writes what `list` shows of the entity to the command line.
+    /// Writes what `list` shows of the entity to the command line: class, layer, space, handle, and
+    /// where it lies.
     virtual void list() const;
 
     std::uint32_t setAttributes(AcGiDrawableTraits* traits) override;
@@ -42,6 +43,7 @@ public:
     void dxfOut(dxf::TagWriter& writer) const override;
 
 protected:
+    void read_mapper(const dxf::ObjectTags& tags);
     /// Bits of entity_flags_.
     static constexpr std::uint8_t kInvisibleBit = 1, kPaperSpaceBit = 2;
     AcDbObjectId layer_;

@@ -1,6 +1,7 @@
 // What all entities share, in DXF.
 #include "host/db/database_impl.h"
 #include "host/db/entity.h"
+#include "host/db/material_mapper.h"
 #include "host/dxf/fields.h"
 
 namespace {
@@ -33,7 +34,30 @@ int nearest_index(const AcCmEntityColor& color) {
 
 } // namespace
 
+const AcGiMapper* AcDbEntity::mapper() const {
+    return extras_ != nullptr ? extras_->mapper.get() : nullptr;
+}
+
+void AcDbEntity::read_mapper(const dxf::ObjectTags& tags) {
+    const std::span<const dxf::Tag> data = tags.xdata();
+    for (std::size_t i = 0; i < data.size(); ++i) {
+        if (!data[i].is(1001, kAcDbMapperApplication)) {
+            continue;
+        }
+        std::size_t end = i + 1;
+        while (end < data.size() && data[end].code != 1001) {
+            ++end;
+        }
+        if (extras_ == nullptr) {
+            extras_ = std::make_unique<dxf::ObjectExtras>();
+        }
+        extras_->mapper = acdbMapperOf(dxf::to_values(data.subspan(i, end - i), tags));
+        return;
+    }
+}
+
 void AcDbEntity::dxfIn(const dxf::ObjectTags& tags) {
+    read_mapper(tags);
     dxf::LoadContext& context = tags.context();
     bool true_color = false;
     for (const dxf::Tag& tag : tags.common()) {

@@ -29,12 +29,11 @@ Outline outlineOf(const std::array<AcGePoint3d, 4>& corners, std::uint8_t invisi
     return outline;
 }
 
-std::vector<std::int32_t> oneFace(std::size_t count) {
-    std::vector<std::int32_t> face{static_cast<std::int32_t>(count)};
-    for (std::size_t i = 0; i < count; ++i) {
-        face.push_back(static_cast<std::int32_t>(i));
-    }
-    return face;
+/// The list of one face of three or four corners.
+std::span<const std::int32_t> oneFace(std::size_t count) {
+    static constexpr std::array<std::int32_t, 4> triangle{3, 0, 1, 2};
+    static constexpr std::array<std::int32_t, 5> quadrilateral{4, 0, 1, 2, 3};
+    return count == 3 ? std::span<const std::int32_t>(triangle) : quadrilateral;
 }
 
 /// Corners of a solid in the world, in the order round it: 1 2 4 3.

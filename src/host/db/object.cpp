@@ -2,6 +2,8 @@
 #include "host/db/object.h"
 
 #include "host/db/database_impl.h"
+#include "host/db/group.h"
+#include "host/db/material_mapper.h"
 #include "host/dxf/load_context.h"
 #include "host/dxf/object_tags.h"
 #include "host/dxf/tag_reader.h"
@@ -56,6 +58,9 @@ Acad::ErrorStatus AcDbObject::erase(bool erasing) {
     }
     id_.stub()->erased = erasing;
     modified_ = true;
+    if (AcDbGroup::cast(this) != nullptr) {
+        DxfAccess::impl(*database()).forget_groups();
+    }
     return Acad::eOk;
 }
 
@@ -80,6 +85,11 @@ std::vector<dxf::Tag> source_tags(const AcDbObject& object) {
 
 } // namespace
 
+bool AcDbObject::mayHaveAttachments() const {
+    return extras_ != nullptr ||
+           (entity_flags_ & (DxfAccess::kExtended | DxfAccess::kAttached)) != 0;
+}
+
 AcDbObjectId AcDbObject::extensionDictionary() const {
     AcDbDatabase* db = database();
     if (db == nullptr) {
@@ -87,6 +97,9 @@ AcDbObjectId AcDbObject::extensionDictionary() const {
     }
     if (extras_ != nullptr && extras_->extension_dictionary != 0) {
         return db->getAcDbObjectId(AcDbHandle(extras_->extension_dictionary));
+    }
+    if ((entity_flags_ & DxfAccess::kExtended) == 0) {
+        return {};
     }
     const std::vector<dxf::Tag> tags = source_tags(*this);
     if (tags.empty()) {
@@ -125,6 +138,9 @@ constexpr int kApplicationCode = 1001;
 /// The groups of extended data in order, each with its application name first.
 std::vector<AcDbValues> source_groups(const AcDbObject& object) {
     std::vector<AcDbValues> groups;
+    if (!DxfAccess::attached(object)) {
+        return groups;
+    }
     const std::vector<dxf::Tag> tags = source_tags(object);
     if (tags.empty()) {
         return groups;
@@ -178,7 +194,7 @@ Acad::ErrorStatus AcDbObject::setXData(const AcDbValues& values) {
     }
     const std::string name = values.front().text();
     const bool plain = std::all_of(values.begin() + 1, values.end(), [](const AcDbValue& v) {
-        return v.code >= 1000 && v.code <= dxf::kHighestCode && v.code != kApplicationCode;
+        return v.code >= 1000 && v.code != kApplicationCode && dxf::fits_code(v);
     });
     if (name.empty() || !plain) {
         return Acad::eInvalidInput;
@@ -187,18 +203,31 @@ Acad::ErrorStatus AcDbObject::setXData(const AcDbValues& values) {
         extras_ = std::make_unique<dxf::ObjectExtras>();
     }
     // The name alone takes the application's data away.
-    extras_->xdata[dxf::fold_name(name)] = values.size() > 1 ? values : AcDbValues();
+    AcDbValues& kept = extras_->xdata[dxf::fold_name(name)];
+    kept = values.size() > 1 ? values : AcDbValues();
+    if (dxf::fold_name(name) == dxf::fold_name(kAcDbMapperApplication)) {
+        extras_->mapper = acdbMapperOf(kept);
+    }
     assertWriteEnabled();
-    if (AcDbDatabase* db = database(); db != nullptr) {
+    register_applications();
+    return Acad::eOk;
+}
+
+/// The names of all applications whose data were set stand in the table of applications.
+void AcDbObject::register_applications() {
+    AcDbDatabase* db = database();
+    if (db == nullptr || extras_ == nullptr) {
+        return;
+    }
+    for (const auto& [key, group] : extras_->xdata) {
         AcDbSymbolTable& applications = DxfAccess::table(*db, "APPID");
-        if (!applications.has(name)) {
+        if (!group.empty() && !applications.has(group.front().text())) {
             auto record = std::make_unique<AcDbNamedRecord>("APPID");
-            record->setName(name);
+            record->setName(group.front().text());
             AcDbObjectId id;
             applications.add(std::move(record), id);
         }
     }
-    return Acad::eOk;
 }
 
 void AcDbObject::dxfIn(const dxf::ObjectTags&) {}

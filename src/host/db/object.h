@@ -50,12 +50,15 @@ public:
     Acad::ErrorStatus erase(bool erasing = true);
     bool isErased() const { return id_.isErased(); }
 
+    /// There may be an extension dictionary or extended data. False is certain, and quick to ask.
+    bool mayHaveAttachments() const;
     /// The extension dictionary's id, null when there is none.
     AcDbObjectId extensionDictionary() const;
     Acad::ErrorStatus createExtensionDictionary();
     /// Extended data of one application (its 1001 first), or of all with a null name.
     AcDbValues xData(const char* application = nullptr) const;
-    /// Replaces the data of the application that the first value (1001) names.
+    /// Replaces the data of the application that the first value (1001) names; the name is
+    /// registered in the drawing. eInvalidInput for a value that does not fit its code.
     Acad::ErrorStatus setXData(const AcDbValues& values);
 
     // The drawing layer's side: reading from and writing to DXF.
@@ -65,6 +68,7 @@ public:
     virtual void dxfOut(dxf::TagWriter& writer) const;
 
 protected:
+    void register_applications();
     friend class AcDbDatabase;
     friend struct DxfAccess; ///< the DXF reader and writer
     AcDbObjectId id_;
@@ -72,7 +76,7 @@ protected:
     std::uint64_t source_begin_ = 0; ///< span in the drawing's file; length 0 means none
     std::uint32_t source_length_ = 0;
     bool modified_ = false;
-    std::uint8_t entity_flags_ = 0;             ///< used by AcDbEntity, here to fill the gap
+    std::uint8_t entity_flags_ = 0;             ///< bits of DxfAccess and AcDbEntity
     std::unique_ptr<dxf::ObjectExtras> extras_; ///< set extended data, extension dictionary
 };
 

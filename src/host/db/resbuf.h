@@ -28,6 +28,13 @@ struct AcDbValue {
       : code(c)
       , value(std::move(v)) {}
 
+    static AcDbValue binary(int c, std::vector<std::uint8_t> bytes) {
+        AcDbValue made;
+        made.code = c;
+        made.value = std::move(bytes);
+        return made;
+    }
+
     std::int64_t integer() const {
         const auto* v = std::get_if<std::int64_t>(&value);
         return v != nullptr ? *v : 0;
@@ -44,7 +51,23 @@ struct AcDbValue {
         const auto* v = std::get_if<std::string>(&value);
         return v != nullptr ? *v : std::string();
     }
+    std::vector<std::uint8_t> bytes() const {
+        const auto* v = std::get_if<std::vector<std::uint8_t>>(&value);
+        return v != nullptr ? *v : std::vector<std::uint8_t>();
+    }
 };
 
 /// A chain in order.
 using AcDbValues = std::vector<AcDbValue>;
+
+/// All bytes under a code joined: files hold long data in pieces.
+inline std::vector<std::uint8_t> acdbBytes(const AcDbValues& chain, int code) {
+    std::vector<std::uint8_t> all;
+    for (const AcDbValue& value : chain) {
+        if (value.code == code) {
+            const std::vector<std::uint8_t> piece = value.bytes();
+            all.insert(all.end(), piece.begin(), piece.end());
+        }
+    }
+    return all;
+}

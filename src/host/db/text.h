@@ -39,6 +39,7 @@ public:
     const std::string& tag() const { return tag_; }
     const std::string& prompt() const { return prompt_; }
     void setTag(std::string tag) { tag_ = std::move(tag); }
+    void setPrompt(std::string prompt) { prompt_ = std::move(prompt); }
     void dxfIn(const dxf::ObjectTags& tags) override;
     void dxfOut(dxf::TagWriter& writer) const override;
 

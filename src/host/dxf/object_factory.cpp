@@ -3,7 +3,10 @@
 #include "host/db/curves.h"
 #include "host/db/dictionary.h"
 #include "host/db/faces.h"
+#include "host/db/group.h"
 #include "host/db/hatch.h"
+#include "host/db/image.h"
+#include "host/db/light.h"
 #include "host/db/polylines.h"
 #include "host/db/symbol_tables.h"
 #include "host/dxf/reader.h"
@@ -36,8 +39,13 @@ void register_classes() {
                            AcDbAttribute::rxInit,
                            AcDbAttributeDefinition::rxInit,
                            AcDbHatch::rxInit,
+                           AcDbLight::rxInit,
+                           AcDbRasterImage::rxInit,
+                           AcDbRasterImageDef::rxInit,
+                           AcDbRasterVariables::rxInit,
                            AcDbDictionary::rxInit,
                            AcDbXrecord::rxInit,
+                           AcDbGroup::rxInit,
                            AcDbMaterial::rxInit,
                            AcDbLayerTableRecord::rxInit,
                            AcDbBlockTableRecord::rxInit,

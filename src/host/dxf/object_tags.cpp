@@ -181,4 +181,23 @@ AcDbValues to_values(std::span<const Tag> tags, const ObjectTags& object) {
     return values;
 }
 
+bool fits_code(const AcDbValue& value) {
+    const auto& held = value.value;
+    if (value.code < 0 || value.code > kHighestCode) {
+        return false;
+    }
+    switch (value_type(value.code)) {
+    case ValueType::kText:
+    case ValueType::kHandle:
+        return std::holds_alternative<std::string>(held);
+    case ValueType::kReal:
+        return std::holds_alternative<double>(held) || std::holds_alternative<std::int64_t>(held) ||
+               (std::holds_alternative<AcGePoint3d>(held) && is_point_code(value.code));
+    case ValueType::kChunk:
+        return std::holds_alternative<std::vector<std::uint8_t>>(held);
+    default:
+        return std::holds_alternative<std::int64_t>(held);
+    }
+}
+
 } // namespace dxf

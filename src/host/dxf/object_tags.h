@@ -3,8 +3,10 @@
 
 #include "host/db/resbuf.h"
 #include "host/dxf/tag.h"
+#include "host/gi/gi.h"
 
 #include <map>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -21,6 +23,8 @@ class LoadContext;
 struct ObjectExtras {
     std::map<std::string, AcDbValues> xdata;
     std::uint64_t extension_dictionary = 0; ///< handle; 0 when it was not changed
+    /// How the entity's material is laid on it, from its extended data as they are now.
+    std::unique_ptr<AcGiMapper> mapper;
 };
 
 /// The ranges of one object's tags. Group codes mean different things in the part that all
@@ -67,5 +71,8 @@ private:
 
 /// A range of tags as values: coordinates are joined to points.
 AcDbValues to_values(std::span<const Tag> tags, const ObjectTags& object);
+
+/// The value is of the kind that files have under its code, so that it can be written.
+bool fits_code(const AcDbValue& value);
 
 } // namespace dxf

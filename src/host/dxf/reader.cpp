@@ -316,6 +316,7 @@ void Reader::begin_table(const ObjectTags& tags) {
     table_ = &DxfAccess::table(db_, name);
     if (DxfAccess::span(*table_).empty() && table_->getAcDbHandle().isNull()) {
         DxfAccess::set_span(*table_, object_span());
+        DxfAccess::note_attachments(*table_, tags);
         if (AcDbStub* row = table_->objectId().stub();
             row != nullptr && tags.handle() != 0 && impl_.find(tags.handle()) == nullptr) {
             row->handle = tags.handle();
@@ -580,6 +581,7 @@ AcDbObjectId Reader::enter(std::unique_ptr<AcDbObject> object, const ObjectTags&
     DxfAccess::adopt(db_, row, std::move(object));
     DxfAccess::set_span(*raw, object_span());
     raw->dxfIn(tags);
+    DxfAccess::note_attachments(*raw, tags);
     DxfAccess::set_modified(*raw, false);
     return raw->objectId();
 }

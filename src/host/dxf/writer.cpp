@@ -47,6 +47,7 @@ private:
     void change_block(const AcDbBlockTableRecord& block);
     void add(const AcDbObject& object);
     void add_record(const AcDbSymbolTableRecord& record);
+    static bool has_definitions(const AcDbBlockTableRecord& block);
     void add_block(const AcDbBlockTableRecord& block);
     void add_entity(const AcDbEntity& entity);
     void add_attributes(const AcDbBlockReference& reference);
@@ -207,6 +208,14 @@ void Writer::add_record(const AcDbSymbolTableRecord& record) {
     write_new_object(table_text_[record.dxfName()], style_, record, new_handle_);
 }
 
+/// A reference to such a block carries attributes.
+bool Writer::has_definitions(const AcDbBlockTableRecord& block) {
+    return std::any_of(block.entities().begin(), block.entities().end(), [](AcDbObjectId id) {
+        return id.isValid() && !id.isErased() &&
+               AcDbAttributeDefinition::cast(id.stub()->object) != nullptr;
+    });
+}
+
 void Writer::add_block(const AcDbBlockTableRecord& block) {
     const bool space =
         block.objectId() == db_.modelSpaceId() || block.objectId() == impl_.paper_space;
@@ -226,7 +235,7 @@ void Writer::add_block(const AcDbBlockTableRecord& block) {
     writer.part("BLOCK", own, "0");
     writer.subclass("AcDbBlockBegin");
     writer.text(2, block.getName());
-    writer.integer(70, 0);
+    writer.integer(70, has_definitions(block) ? 2 : 0);
     writer.point(10, block.origin());
     writer.text(3, block.getName());
     writer.raw(1, "");

@@ -182,6 +182,8 @@ void acedReset() {
     state.pending.clear();
     state.reactors.clear();
     state.break_asked = false;
+    state.ucs = {};
+    state.last_point = {};
     acedSetMainWindow(0, {});
     acedRegCmds() = AcEdCommandStack();
     acDocManager()->closeAll();

@@ -1,6 +1,8 @@
 // Open drawings.
 #include "host/ed/document.h"
 
+#include "host/ed/state.h"
+
 #include <algorithm>
 
 AcApDocManager* acDocManager() {
@@ -24,6 +26,8 @@ void AcApDocManager::setCurDocument(AcApDocument* document) {
         return;
     }
     current_ = document;
+    ed::state().ucs = {};
+    ed::state().last_point = {};
     acdbSetCurDwg(document != nullptr ? document->database() : nullptr);
     for (AcApDocManagerReactor* reactor : std::vector(reactors_)) {
         reactor->documentBecameCurrent(document);

@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+class AcGeMatrix3d;
+
 using AcRxFunctionPtr = void (*)();
 
 enum AcRxCommandFlags { ACRX_CMD_MODAL = 0, ACRX_CMD_TRANSPARENT = 1 };
@@ -66,9 +68,16 @@ std::optional<std::string> acedTakePendingInput();
 /// A line of text; at most `max_length` characters. RTNONE for an empty answer.
 int acedGetString(const std::string& prompt, std::string& result, std::size_t max_length = 512);
 int acedGetInt(const std::string& prompt, int& result);
-/// One of `keywords` (blank-separated, capitals abbreviate); RTNONE for an empty answer.
+/// One of `keywords` (blank-separated; capitals abbreviate, or what stands behind a comma);
+/// RTNONE for an empty answer.
 int acedGetKword(const std::string& keywords, const std::string& prompt, std::string& result);
 void acedPostCommandPrompt();
+
+/// The coordinate system that points are typed in, as a matrix to the world. It is the world's
+/// for every drawing to begin with: the one that a file holds is not taken.
+void acedGetCurrentUCS(AcGeMatrix3d& matrix);
+/// eInvalidInput for a matrix that has no inverse.
+Acad::ErrorStatus acedSetCurrentUCS(const AcGeMatrix3d& matrix);
 
 /// Runs a command line: the name, then words that answer its prompts. False for an unknown
 /// command; an exception that leaves the command is caught and told at the command line.

@@ -1,35 +1,35 @@
 // Prompts and what answers them, selection sets, and the small facts of the editor.
 #include "host/ed/document.h"
 #include "host/ed/ed.h"
+#include "host/ed/point_text.h"
 #include "host/ed/state.h"
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <utility>
 
-namespace {
+namespace ed {
 
-/// The next answer: a pending word, else a line from the port; none at the end of input or when
-/// the user has asked to stop.
-std::optional<std::string> nextAnswer(const std::string& prompt) {
+std::optional<std::string> next_answer(const std::string& prompt) {
     if (acedUsrBrk()) {
         return std::nullopt;
     }
     if (auto word = acedTakePendingInput()) {
         return word;
     }
-    AcEdInputPort* port = ed::state().port;
+    AcEdInputPort* port = state().port;
     return port != nullptr ? port->readLine(prompt) : std::nullopt;
 }
 
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view kBlanks = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(kBlanks);
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+bool is_cancel(std::string_view answer) {
+    const std::string_view word = trimmed(answer);
+    return word == "\x1b" || word == "\x03" || word == "^C" || word == "^c";
 }
+
+} // namespace ed
+
+namespace {
 
 /// The first `count` characters of UTF-8 text.
 std::string_view firstCharacters(std::string_view text, std::size_t count) {
@@ -46,48 +46,86 @@ std::string_view firstCharacters(std::string_view text, std::size_t count) {
 
 bool isCapital(char c) { return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'); }
 
-/// An answer (in capitals) means a keyword when it is the keyword's capitals, "X" for "eXit", or a
-/// beginning of it that reaches their end. A keyword without capitals is typed in full.
-bool meansKeyword(const std::string& answer, std::string_view keyword) {
+/// A keyword, the shortest text that means it, and how much of its name does.
+struct KeywordForm {
+    std::string_view name, shortest;
+    std::size_t least = 0;
+};
+
+KeywordForm formOf(std::string_view word) {
+    if (const std::size_t comma = word.find(','); comma != std::string_view::npos) {
+        const std::string_view name = word.substr(0, comma);
+        const std::string_view shortest = word.substr(comma + 1);
+        const bool begins = ed::upper(name).starts_with(ed::upper(shortest));
+        return {name, shortest, begins ? shortest.size() : name.size()};
+    }
     std::size_t begin = 0;
-    while (begin < keyword.size() && !isCapital(keyword[begin])) {
+    while (begin < word.size() && !isCapital(word[begin])) {
         ++begin;
     }
     std::size_t end = begin;
-    while (end < keyword.size() && isCapital(keyword[end])) {
+    while (end < word.size() && isCapital(word[end])) {
         ++end;
     }
-    const std::string whole = ed::upper(keyword);
-    return (begin < end && answer == keyword.substr(begin, end - begin)) ||
-           (answer.size() >= end && whole.compare(0, answer.size(), answer) == 0);
+    return {word, word.substr(begin, end - begin), end};
 }
 
-/// The keyword that an answer means, if any. Words behind one that begins with an underscore are
-/// the global names of the words before it; they are the result.
-std::optional<std::string> matchKeyword(const std::string& keywords, std::string_view answer) {
-    std::vector<std::string> local;
-    std::vector<std::string> global;
-    for (std::size_t at = 0; at < keywords.size();) {
-        const std::size_t end = std::min(keywords.find(' ', at), keywords.size());
-        if (end > at) {
-            std::string word = keywords.substr(at, end - at);
-            const bool marked = word.front() == '_';
-            (marked || !global.empty() ? global : local).push_back(word.substr(marked ? 1 : 0));
+/// An answer (in capitals) means a keyword when it is the shortest text for it, "X" for "eXit", or
+/// a beginning of the name that holds that text. A keyword without capitals is typed in full.
+bool meansKeyword(const std::string& answer, std::string_view word) {
+    const KeywordForm form = formOf(word);
+    return (!form.shortest.empty() && answer == ed::upper(form.shortest)) ||
+           (answer.size() >= form.least &&
+            ed::upper(form.name).compare(0, answer.size(), answer) == 0);
+}
+
+/// The words of a list, and the global names behind them if it has any.
+struct KeywordList {
+    explicit KeywordList(std::string_view keywords) {
+        bool marked = false;
+        for (std::size_t at = 0; at < keywords.size();) {
+            const std::size_t end = std::min(keywords.find(' ', at), keywords.size());
+            std::string_view word = keywords.substr(at, end - at);
+            if (!word.empty() && word.front() == '_') {
+                marked = true;
+                word.remove_prefix(1);
+            }
+            if (!word.empty()) {
+                (marked ? global : local).push_back(word);
+            }
+            at = end + 1;
         }
-        at = end + 1;
     }
+    std::vector<std::string_view> local, global;
+};
+
+} // namespace
+
+namespace ed {
+
+std::optional<Keyword> match_keyword(std::string_view keywords, std::string_view answer) {
+    const KeywordList list(keywords);
     const bool by_global = !answer.empty() && answer.front() == '_';
-    const std::string key = ed::upper(by_global ? answer.substr(1) : answer);
-    const auto& words = by_global && !global.empty() ? global : local;
+    const std::string key = upper(by_global ? answer.substr(1) : answer);
+    const auto& words = by_global && !list.global.empty() ? list.global : list.local;
     for (std::size_t i = 0; i < words.size(); ++i) {
         if (!key.empty() && meansKeyword(key, words[i])) {
-            return i < global.size() ? global[i] : words[i];
+            const auto& named = i < list.global.size() ? list.global : words;
+            return Keyword{i, std::string(formOf(named[i]).name)};
         }
     }
     return std::nullopt;
 }
 
-} // namespace
+std::string keyword_names(std::string_view keywords) {
+    std::string names;
+    for (const std::string_view word : KeywordList(keywords).local) {
+        names += (names.empty() ? "" : " ") + std::string(formOf(word).name);
+    }
+    return names;
+}
+
+} // namespace ed
 
 AcEdInputPort* acedSetInputPort(AcEdInputPort* port) {
     return std::exchange(ed::state().port, port);
@@ -122,7 +160,7 @@ std::optional<std::string> acedTakePendingInput() {
 }
 
 int acedGetString(const std::string& prompt, std::string& result, std::size_t max_length) {
-    const auto answer = nextAnswer(prompt);
+    const auto answer = ed::next_answer(prompt);
     if (!answer) {
         return RTCAN;
     }
@@ -131,8 +169,8 @@ int acedGetString(const std::string& prompt, std::string& result, std::size_t ma
 }
 
 int acedGetInt(const std::string& prompt, int& result) {
-    while (const auto answer = nextAnswer(prompt)) {
-        std::string_view text = trimmed(*answer);
+    while (const auto answer = ed::next_answer(prompt)) {
+        std::string_view text = ed::trimmed(*answer);
         if (text.empty()) {
             return RTNONE;
         }
@@ -151,18 +189,35 @@ int acedGetInt(const std::string& prompt, int& result) {
 }
 
 int acedGetKword(const std::string& keywords, const std::string& prompt, std::string& result) {
-    while (const auto answer = nextAnswer(prompt)) {
-        const std::string_view text = trimmed(*answer);
+    while (const auto answer = ed::next_answer(prompt)) {
+        const std::string_view text = ed::trimmed(*answer);
         if (text.empty()) {
             return RTNONE;
         }
-        if (auto keyword = matchKeyword(keywords, text)) {
-            result = std::move(*keyword);
+        if (auto keyword = ed::match_keyword(keywords, text)) {
+            result = std::move(keyword->name);
             return RTNORM;
         }
         acutPrintf("\nInvalid option keyword.");
     }
     return RTCAN;
+}
+
+void acedGetCurrentUCS(AcGeMatrix3d& matrix) { matrix = ed::state().ucs; }
+
+Acad::ErrorStatus acedSetCurrentUCS(const AcGeMatrix3d& matrix) {
+    for (const auto& row : matrix.entry) {
+        for (const double value : row) {
+            if (!std::isfinite(value)) {
+                return Acad::eInvalidInput;
+            }
+        }
+    }
+    if (matrix.isSingular()) {
+        return Acad::eInvalidInput;
+    }
+    ed::state().ucs = matrix;
+    return Acad::eOk;
 }
 
 void acedPostCommandPrompt() { acutPrintf("\nCommand: "); }

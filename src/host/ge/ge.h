@@ -97,7 +97,8 @@ public:
     AcGeVector3d asVector() const { return {x, y, z}; }
     double distanceTo(const AcGePoint3d& p) const { return (*this - p).length(); }
     bool isEqualTo(const AcGePoint3d& p, const AcGeTol& tol = AcGeContext::gTol) const {
-        return distanceTo(p) <= tol.equalPoint();
+        const double dx = x - p.x, dy = y - p.y, dz = z - p.z;
+        return dx * dx + dy * dy + dz * dz <= tol.equalPoint() * tol.equalPoint();
     }
     AcGeVector3d operator-(const AcGePoint3d& p) const { return {x - p.x, y - p.y, z - p.z}; }
     AcGePoint3d operator+(const AcGeVector3d& v) const { return {x + v.x, y + v.y, z + v.z}; }

@@ -28,17 +28,6 @@ bool chords(AcGiWorldDraw* draw, const Curve& curve, double from, double to, int
 
 } // namespace
 
-bool isFinite(double value) { return std::isfinite(value); }
-bool isFinite(const AcGePoint3d& p) {
-    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
-}
-bool isFinite(const AcGeVector3d& v) {
-    return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
-}
-bool isFinite(std::span<const AcGePoint3d> points) {
-    return std::all_of(points.begin(), points.end(), [](const auto& p) { return isFinite(p); });
-}
-
 int arcSteps(double radius, double sweep, double deviation) {
     constexpr int kMost = 4096;
     const double turn = std::abs(sweep);

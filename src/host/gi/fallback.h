@@ -4,6 +4,8 @@
 
 #include "host/gi/gi.h"
 
+#include <algorithm>
+#include <cmath>
 #include <span>
 #include <vector>
 
@@ -30,10 +32,16 @@ struct EllipticalArc {
 };
 
 /// True when no number is infinite or none.
-bool isFinite(double value);
-bool isFinite(const AcGePoint3d& p);
-bool isFinite(const AcGeVector3d& v);
-bool isFinite(std::span<const AcGePoint3d> points);
+inline bool isFinite(double value) { return std::isfinite(value); }
+inline bool isFinite(const AcGePoint3d& p) {
+    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
+inline bool isFinite(const AcGeVector3d& v) {
+    return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
+}
+inline bool isFinite(std::span<const AcGePoint3d> points) {
+    return std::all_of(points.begin(), points.end(), [](const auto& p) { return isFinite(p); });
+}
 
 /// Equal steps for an arc of that radius so that no chord is farther from it than `deviation`:
 /// at least 4 a full turn, at most 4096.

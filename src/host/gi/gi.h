@@ -9,6 +9,8 @@
 #include "host/gi/drawable.h"
 
 #include <cstdint>
+#include <functional>
+#include <vector>
 
 class AcDbDatabase;
 class AcDbPolyline;
@@ -38,7 +40,7 @@ enum AcGiScaleTransformBehavior { kAcGiScreenScale };
 struct AcGiMapper {
     enum Projection { kInheritProjection = 0, kPlanar = 1, kBox = 2, kCylinder = 3, kSphere = 4 };
     Projection projection = kPlanar;
-    AcGeMatrix3d transform;
+    AcGeMatrix3d transform; ///< its frame: from the mapper's coordinates to the object's
 };
 
 /// Per-vertex data of meshes and shells; null members are absent.
@@ -63,8 +65,16 @@ struct AcGiPolyline {
     const AcGeVector3d* normal = nullptr;
     std::intptr_t marker = -1;
 };
+/// A picture for AcGiGeometry::image.
+struct AcGiImageBGRA32 {
+    std::uint32_t width = 0, height = 0; ///< as the drawing tells them
+    /// Reads the pixels: rows from the top, four bytes (blue, green, red, alpha) each, with the
+    /// size that the file has. False when there are none. Reading takes its time.
+    std::function<bool(std::uint32_t& width, std::uint32_t& height,
+                       std::vector<std::uint8_t>& pixels)>
+        load;
+};
 struct AcGiTextStyle;
-struct AcGiImageBGRA32;
 struct AcGiClipBoundary;
 struct AcGiEdge2dArray;
 
@@ -151,6 +161,7 @@ public:
                        std::uint32_t count = 0) = 0;
     /// A nested drawable: an entity of a block, for instance.
     virtual bool draw(AcGiDrawable* drawable) = 0;
+    /// A picture with its lower left corner at `position`; `u` and `v` are its whole edges.
     virtual bool image(const AcGiImageBGRA32& source, const AcGePoint3d& position,
                        const AcGeVector3d& u, const AcGeVector3d& v) = 0;
     virtual bool rowOfDots(int count, const AcGePoint3d& start, const AcGeVector3d& step) = 0;
