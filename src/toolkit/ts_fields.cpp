@@ -79,3 +79,26 @@ void CTsFieldReader::Triple(const char* name, double& a, double& b, double& c) {
     }
     a = read[0], b = read[1], c = read[2];
 }
+
+// ---- ranges ----
+
+void TsClamp(CTsColor& color) {
+    for (double* channel : {&color.r, &color.g, &color.b}) {
+        TsClamp(*channel, 0, 1);
+    }
+}
+
+void TsClamp(CTsPoint& point) {
+    for (double* axis : {&point.x, &point.y, &point.z}) {
+        TsClamp(*axis, -1e9, 1e9);
+    }
+}
+
+void TsMakeUnit(CTsVector& v, const CTsVector& fall_back) {
+    const double length = std::hypot(v.x, v.y, v.z);
+    if (!(length > 1e-12) || !std::isfinite(length)) {
+        v = fall_back;
+    } else if (std::abs(length - 1) > 1e-7) {
+        v = {v.x / length, v.y / length, v.z / length};
+    }
+}

@@ -5,19 +5,6 @@
 
 namespace {
 
-template <typename Self, typename Fields>
-void WriteFields(const Self& self, pugi::xml_node node, Fields&& fields) {
-    fields(self, CTsFieldWriter(node));
-    self.m_Rest.Append(node);
-}
-
-template <typename Self, typename Fields>
-void ReadFields(Self& self, pugi::xml_node node, Fields&& fields) {
-    CTsFieldReader reader(node);
-    fields(self, reader);
-    self.m_Rest.Collect(node, reader.Names());
-}
-
 constexpr auto view_fields = [](auto& self, auto&& visit) {
     visit("Name", self.m_Name);
     visit("Eye", self.m_Eye);
@@ -90,30 +77,30 @@ constexpr auto render_fields = [](auto& self, auto&& visit) {
 
 } // namespace
 
-void CTsView::Write(pugi::xml_node node) const { WriteFields(*this, node, view_fields); }
-void CTsView::Read(pugi::xml_node node) { ReadFields(*this, node, view_fields); }
+void CTsView::Write(pugi::xml_node node) const { TsWriteFields(*this, node, view_fields); }
+void CTsView::Read(pugi::xml_node node) { TsReadFields(*this, node, view_fields); }
 void CTsEnvironment::Write(pugi::xml_node node) const {
-    WriteFields(*this, node, environment_fields);
+    TsWriteFields(*this, node, environment_fields);
 }
-void CTsEnvironment::Read(pugi::xml_node node) { ReadFields(*this, node, environment_fields); }
-void CTsSky::Write(pugi::xml_node node) const { WriteFields(*this, node, sky_fields); }
-void CTsSky::Read(pugi::xml_node node) { ReadFields(*this, node, sky_fields); }
-void CTsGroundPlane::Write(pugi::xml_node node) const { WriteFields(*this, node, ground_fields); }
-void CTsGroundPlane::Read(pugi::xml_node node) { ReadFields(*this, node, ground_fields); }
+void CTsEnvironment::Read(pugi::xml_node node) { TsReadFields(*this, node, environment_fields); }
+void CTsSky::Write(pugi::xml_node node) const { TsWriteFields(*this, node, sky_fields); }
+void CTsSky::Read(pugi::xml_node node) { TsReadFields(*this, node, sky_fields); }
+void CTsGroundPlane::Write(pugi::xml_node node) const { TsWriteFields(*this, node, ground_fields); }
+void CTsGroundPlane::Read(pugi::xml_node node) { TsReadFields(*this, node, ground_fields); }
 void CTsRenderSettings::Write(pugi::xml_node node) const {
-    WriteFields(*this, node, render_fields);
+    TsWriteFields(*this, node, render_fields);
 }
-void CTsRenderSettings::Read(pugi::xml_node node) { ReadFields(*this, node, render_fields); }
+void CTsRenderSettings::Read(pugi::xml_node node) { TsReadFields(*this, node, render_fields); }
 
 // ---- materials ----
 
 void CTsMaterial::Write(CTsXmlWriter& writer) const {
-    WriteFields(*this, writer.Open("Material"), material_fields);
+    TsWriteFields(*this, writer.Open("Material"), material_fields);
     writer.CloseElement();
 }
 
 void CTsMaterial::Read(pugi::xml_node node) {
-    ReadFields(*this, node, [](auto& self, auto&& visit) {
+    TsReadFields(*this, node, [](auto& self, auto&& visit) {
         material_fields(self, visit);
         std::string file_version; // of a material file's root; written anew each time
         visit("version", file_version);
