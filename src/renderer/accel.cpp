@@ -2,7 +2,9 @@
 #include "renderer/accel.h"
 
 #include "renderer/bsdf.h"
+#include "renderer/placing.h"
 #include "renderer/sampling.h"
+#include "renderer/texture.h"
 #include "renderer/triangle_soup.h"
 
 #include <embree3/rtcore.h>
@@ -28,13 +30,13 @@ struct SceneRelease {
 using DeviceHandle = std::unique_ptr<std::remove_pointer_t<RTCDevice>, DeviceRelease>;
 using SceneHandle = std::unique_ptr<std::remove_pointer_t<RTCScene>, SceneRelease>;
 
-constexpr unsigned opaque_geometry = 0, glass_geometry = 1;
+constexpr unsigned first_instance = triangle_kinds; // geometry numbers below it are kinds
 
 /// What a shadow ray gathers on its way through thin glass.
 struct ShadowContext {
     RTCIntersectContext embree; // first, so that the callback may cast
     Rgb transmittance{1, 1, 1};
-    std::uint32_t passed[8]; // triangles already counted; Embree may report one twice
+    std::uint64_t passed[8]; // triangles already counted; Embree may report one twice
     int passed_count = 0;
 };
 
@@ -50,7 +52,27 @@ struct CoplanarContext {
 struct RawHit {
     unsigned geometry, triangle;
     float u, v, distance;
+    unsigned instance; // number of its geometry, or RTC_INVALID_GEOMETRY_ID
 };
+
+/// Triangles with their tree: those of the scene, or of a prototype.
+struct Shape {
+    TriangleSoup soup;
+    SceneHandle scene;
+    const std::vector<Material>* materials = nullptr;
+    const TextureSet* textures = nullptr;
+
+    const SoupTriangle& triangle(unsigned kind, unsigned index) const {
+        return soup.lists[kind][index];
+    }
+};
+
+Vec2 uv_at(const TriangleSoup& soup, const SoupTriangle& t, float u, float v) {
+    const Vec2 a = soup.uvs[t.vertices[0]], b = soup.uvs[t.vertices[1]],
+               c = soup.uvs[t.vertices[2]];
+    const float w = 1 - u - v;
+    return {w * a.x + u * b.x + v * c.x, w * a.y + u * b.y + v * c.y};
+}
 
 Vec3 raw_normal(const TriangleSoup& soup, const SoupTriangle& t) {
     const Vec3 a = soup.positions[t.vertices[0]];
@@ -73,8 +95,9 @@ void find_earliest_coplanar(const RTCFilterFunctionNArguments* args) {
     const unsigned geometry = RTCHitN_geomID(args->hit, args->N, 0);
     const unsigned triangle = RTCHitN_primID(args->hit, args->N, 0);
     args->valid[0] = 0; // go on: all faces of the place are wanted
-    const auto& list = geometry == opaque_geometry ? context.soup->opaque : context.soup->glass;
-    const SoupTriangle& t = list[triangle];
+    if (RTCHitN_instID(args->hit, args->N, 0, 0) != RTC_INVALID_GEOMETRY_ID)
+        return; // instances have no part in it
+    const SoupTriangle& t = context.soup->lists[geometry][triangle];
     const std::uint64_t key = (std::uint64_t{geometry} << 32) | triangle;
     if (!t.coplanar || key >= context.best ||
         std::fabs(dot(raw_normal(*context.soup, t), context.normal)) < 0.999f)
@@ -84,31 +107,93 @@ void find_earliest_coplanar(const RTCFilterFunctionNArguments* args) {
     context.v = RTCHitN_v(args->hit, args->N, 0);
 }
 
+/// A number from 0 to 1 that depends on the ray and the triangle alone: what is cut out by chance
+/// is the same for the same ray, whoever asks and how often.
+float chance_of(const RTCFilterFunctionNArguments* args) {
+    const float numbers[] = {RTCRayN_org_x(args->ray, 1, 0), RTCRayN_org_y(args->ray, 1, 0),
+                             RTCRayN_org_z(args->ray, 1, 0), RTCRayN_dir_x(args->ray, 1, 0),
+                             RTCRayN_dir_y(args->ray, 1, 0), RTCRayN_dir_z(args->ray, 1, 0)};
+    std::uint64_t h = RTCHitN_primID(args->hit, 1, 0) + 0x9e3779b97f4a7c15u;
+    for (const float number : numbers) {
+        h = (h ^ std::bit_cast<std::uint32_t>(number)) * 0xff51afd7ed558ccdu;
+        h ^= h >> 33;
+    }
+    return static_cast<float>(h >> 40) * 0x1p-24f;
+}
+
+/// Lets rays through where the picture on a face is transparent.
+void pass_cut_out(const RTCFilterFunctionNArguments* args) {
+    const auto& shape = *static_cast<const Shape*>(args->geometryUserPtr);
+    const SoupTriangle& t = shape.triangle(cut_out_kind, RTCHitN_primID(args->hit, args->N, 0));
+    const Material& material = (*shape.materials)[shape.soup.meshes[t.mesh].material];
+    const Vec2 uv =
+        uv_at(shape.soup, t, RTCHitN_u(args->hit, args->N, 0), RTCHitN_v(args->hit, args->N, 0));
+    const float alpha = (*shape.textures)[static_cast<std::size_t>(material.texture)].alpha(uv);
+    if (alpha < 1 && (alpha <= 0 || chance_of(args) >= alpha))
+        args->valid[0] = 0;
+}
+
+/// Lets a shadow ray through a pane and notes what the pane takes from it.
+void pass_glass(const RTCFilterFunctionNArguments* args) {
+    const auto& shape = *static_cast<const Shape*>(args->geometryUserPtr);
+    auto& context = *reinterpret_cast<ShadowContext*>(args->context);
+    const unsigned kind = RTCHitN_geomID(args->hit, args->N, 0);
+    const unsigned triangle = RTCHitN_primID(args->hit, args->N, 0);
+    const SoupTriangle& t = shape.triangle(kind, triangle);
+    const Material& material = (*shape.materials)[shape.soup.meshes[t.mesh].material];
+    if (material.transmission <= 0 && !material.is_lamp)
+        return; // a face with cut-outs that lets no light through
+    const std::uint64_t name =
+        (std::uint64_t{RTCHitN_instID(args->hit, args->N, 0, 0)} << 32 | triangle) ^
+        std::uint64_t{kind} << 31;
+    const std::uint64_t* const begin = context.passed;
+    const std::uint64_t* const end = begin + context.passed_count;
+    if (std::find(begin, end, name) == end) {
+        const Vec3 direction =
+            normalize({RTCRayN_dir_x(args->ray, args->N, 0), RTCRayN_dir_y(args->ray, args->N, 0),
+                       RTCRayN_dir_z(args->ray, args->N, 0)});
+        const float cosine = std::fabs(dot(raw_normal(shape.soup, t), direction));
+        context.transmittance *= thin_glass_transmittance(material, cosine);
+        context.passed[context.passed_count % 8] = name;
+        context.passed_count = std::min(context.passed_count + 1, 7);
+    }
+    if (max_component(context.transmittance) > 1e-4f)
+        args->valid[0] = 0;
+    else
+        context.transmittance = {0, 0, 0};
+}
+
+void shade_cut_out(const RTCFilterFunctionNArguments* args) {
+    pass_cut_out(args);
+    if (args->valid[0] != 0)
+        pass_glass(args);
+}
+
 } // namespace
 
 struct Accel::Impl {
-    DeviceHandle device;
-    SceneHandle scene;
-    TriangleSoup soup;
+    DeviceHandle device; // before what is made by it, so that it goes last
+    Shape world;
+    std::vector<Shape> prototypes;
+    std::vector<Placing> placings; ///< by the number of their geometry, from first_instance on
     std::vector<Material> materials;
+    std::shared_ptr<const TextureSet> textures;
     std::optional<GroundPlane> ground;
     SceneBounds bounds;
     float ground_tolerance = 0; ///< metres; faces this near to the plane hide it
     std::size_t coplanar = 0;
 
     void check_error(const char* step) const;
-    void build();
-    void attach(const std::vector<SoupTriangle>& list, unsigned id);
+    void build(const Scene& scene);
+    void prepare(Shape& shape);
+    void attach(Shape& shape, unsigned kind);
+    void attach_instances();
+    void commit(const Shape& shape) const;
     bool trace(const Ray& ray, RawHit& raw) const;
     void choose_coplanar(const Ray& ray, RawHit& raw) const;
     float ground_distance(const Ray& ray) const;
     void fill(const Ray& ray, const RawHit& raw, Hit& hit) const;
     void fill_ground(const Ray& ray, float distance, Hit& hit) const;
-    void smooth(const SoupTriangle& t, const float weights[3], Hit& hit) const;
-    const SoupTriangle& triangle(const RawHit& raw) const {
-        return (raw.geometry == opaque_geometry ? soup.opaque : soup.glass)[raw.triangle];
-    }
-    static void pass_glass(const RTCFilterFunctionNArguments* args);
 };
 
 void Accel::Impl::check_error(const char* step) const {
@@ -120,84 +205,106 @@ void Accel::Impl::check_error(const char* step) const {
                                  step);
 }
 
-void Accel::Impl::attach(const std::vector<SoupTriangle>& list, unsigned id) {
+void Accel::Impl::attach(Shape& shape, unsigned kind) {
+    const auto& list = shape.soup.lists[kind];
     if (list.empty())
         return;
     RTCGeometry geometry = rtcNewGeometry(device.get(), RTC_GEOMETRY_TYPE_TRIANGLE);
     check_error("making a geometry");
-    // Vertices are shared; Embree reads 16 bytes at the last one, hence the padding in build().
+    // Vertices are shared; Embree reads 16 bytes at the last one, hence the padding in prepare().
     rtcSetSharedGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3,
-                               soup.positions.data(), 0, sizeof(Vec3), soup.positions.size() - 1);
+                               shape.soup.positions.data(), 0, sizeof(Vec3),
+                               shape.soup.positions.size() - 1);
     rtcSetSharedGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3, list.data(), 0,
                                sizeof(SoupTriangle), list.size());
-    if (id == glass_geometry) {
-        rtcSetGeometryUserData(geometry, this);
+    rtcSetGeometryUserData(geometry, &shape);
+    if (kind == glass_kind) {
         rtcSetGeometryOccludedFilterFunction(geometry, pass_glass);
+    } else if (kind == cut_out_kind) {
+        rtcSetGeometryIntersectFilterFunction(geometry, pass_cut_out);
+        rtcSetGeometryOccludedFilterFunction(geometry, shade_cut_out);
     }
     rtcCommitGeometry(geometry);
-    rtcAttachGeometryByID(scene.get(), geometry, id);
+    rtcAttachGeometryByID(shape.scene.get(), geometry, kind);
     rtcReleaseGeometry(geometry);
     check_error("attaching a geometry");
 }
 
-void Accel::Impl::build() {
-    device.reset(rtcNewDevice(nullptr));
-    if (!device)
-        throw std::runtime_error("Embree: no device");
-    scene.reset(rtcNewScene(device.get()));
+/// Makes the tree's scene with all triangles of the shape, which must stay where it is.
+void Accel::Impl::prepare(Shape& shape) {
+    shape.materials = &materials;
+    shape.textures = textures.get();
+    shape.scene.reset(rtcNewScene(device.get()));
     check_error("making a scene");
     rtcSetSceneFlags(
-        scene.get(),
+        shape.scene.get(),
         static_cast<RTCSceneFlags>(RTC_SCENE_FLAG_ROBUST | RTC_SCENE_FLAG_CONTEXT_FILTER_FUNCTION));
-    const std::size_t count = soup.opaque.size() + soup.glass.size();
-    rtcSetSceneBuildQuality(scene.get(),
-                            count < 500000 ? RTC_BUILD_QUALITY_HIGH : RTC_BUILD_QUALITY_MEDIUM);
-    soup.positions.push_back({0, 0, 0});
-    attach(soup.opaque, opaque_geometry);
-    attach(soup.glass, glass_geometry);
-    // One thread: parallel builds order equal triangles by chance, and ties must not depend on it.
-    // The arena does it; a thread count given to the device would bind the whole process.
-    tbb::task_arena(1).execute([&] { rtcCommitScene(scene.get()); });
+    rtcSetSceneBuildQuality(shape.scene.get(), shape.soup.triangle_count() < 500000
+                                                   ? RTC_BUILD_QUALITY_HIGH
+                                                   : RTC_BUILD_QUALITY_MEDIUM);
+    shape.soup.positions.push_back({0, 0, 0});
+    for (unsigned kind = 0; kind < triangle_kinds; ++kind)
+        attach(shape, kind);
+}
+
+/// One thread: parallel builds order equal triangles by chance, and ties must not depend on it.
+/// The arena does it; a thread count given to the device would bind the whole process.
+void Accel::Impl::commit(const Shape& shape) const {
+    tbb::task_arena(1).execute([&] { rtcCommitScene(shape.scene.get()); });
     check_error("building the tree");
 }
 
-/// Lets a shadow ray through a pane and notes what the pane takes from it.
-void Accel::Impl::pass_glass(const RTCFilterFunctionNArguments* args) {
-    const auto& impl = *static_cast<const Impl*>(args->geometryUserPtr);
-    auto& context = *reinterpret_cast<ShadowContext*>(args->context);
-    const unsigned triangle = RTCHitN_primID(args->hit, args->N, 0);
-    const std::uint32_t* const begin = context.passed;
-    const std::uint32_t* const end = begin + context.passed_count;
-    if (std::find(begin, end, triangle) == end) {
-        const SoupTriangle& t = impl.soup.glass[triangle];
-        const Vec3 direction{RTCRayN_dir_x(args->ray, args->N, 0),
-                             RTCRayN_dir_y(args->ray, args->N, 0),
-                             RTCRayN_dir_z(args->ray, args->N, 0)};
-        const float cosine = std::fabs(dot(raw_normal(impl.soup, t), direction));
-        const Material& material = impl.materials[impl.soup.meshes[t.mesh].material];
-        context.transmittance *= thin_glass_transmittance(material, cosine);
-        context.passed[context.passed_count % 8] = triangle;
-        context.passed_count = std::min(context.passed_count + 1, 7);
+void Accel::Impl::attach_instances() {
+    for (std::size_t i = 0; i < placings.size(); ++i) {
+        const Placing& placing = placings[i];
+        RTCGeometry geometry = rtcNewGeometry(device.get(), RTC_GEOMETRY_TYPE_INSTANCE);
+        check_error("making an instance");
+        rtcSetGeometryInstancedScene(geometry, prototypes[placing.prototype()].scene.get());
+        rtcSetGeometryTransform(geometry, 0, RTC_FORMAT_FLOAT3X4_ROW_MAJOR, placing.rows());
+        rtcCommitGeometry(geometry);
+        rtcAttachGeometryByID(world.scene.get(), geometry,
+                              first_instance + static_cast<unsigned>(i));
+        rtcReleaseGeometry(geometry);
     }
-    if (max_component(context.transmittance) > 1e-4f)
-        args->valid[0] = 0;
-    else
-        context.transmittance = {0, 0, 0};
+    check_error("attaching instances");
+}
+
+void Accel::Impl::build(const Scene& scene) {
+    device.reset(rtcNewDevice(nullptr));
+    if (!device)
+        throw std::runtime_error("Embree: no device");
+    for (Shape& shape : prototypes) {
+        prepare(shape);
+        commit(shape);
+    }
+    for (std::uint32_t i = 0; i < scene.instances.size(); ++i) {
+        const Placing placing(scene, i);
+        const TriangleSoup& soup = prototypes[placing.prototype()].soup;
+        if (soup.triangle_count() == 0)
+            continue;
+        placing.add_bounds(soup, bounds);
+        placings.push_back(placing);
+    }
+    prepare(world);
+    attach_instances();
+    commit(world);
 }
 
 bool Accel::Impl::trace(const Ray& ray, RawHit& raw) const {
     RTCIntersectContext context;
     rtcInitIntersectContext(&context);
     alignas(16) RTCRayHit query = make_ray_hit(ray, 0);
-    rtcIntersect1(scene.get(), &context, &query);
+    rtcIntersect1(world.scene.get(), &context, &query);
     if (query.hit.geomID == RTC_INVALID_GEOMETRY_ID)
         return false;
-    raw = {query.hit.geomID, query.hit.primID, query.hit.u, query.hit.v, query.ray.tfar};
+    raw = {query.hit.geomID, query.hit.primID, query.hit.u,
+           query.hit.v,      query.ray.tfar,   query.hit.instID[0]};
     return true;
 }
 
 void Accel::Impl::choose_coplanar(const Ray& ray, RawHit& raw) const {
-    const SoupTriangle& hit = triangle(raw);
+    const TriangleSoup& soup = world.soup;
+    const SoupTriangle& hit = world.triangle(raw.geometry, raw.triangle);
     CoplanarContext context{};
     rtcInitIntersectContext(&context.embree);
     context.embree.filter = find_earliest_coplanar;
@@ -214,7 +321,7 @@ void Accel::Impl::choose_coplanar(const Ray& ray, RawHit& raw) const {
     Ray around = ray;
     around.t_max = raw.distance + window;
     alignas(16) RTCRayHit query = make_ray_hit(around, std::max(0.0f, raw.distance - window));
-    rtcIntersect1(scene.get(), &context.embree, &query);
+    rtcIntersect1(world.scene.get(), &context.embree, &query);
     raw.geometry = static_cast<unsigned>(context.best >> 32);
     raw.triangle = static_cast<unsigned>(context.best);
     raw.u = context.u, raw.v = context.v;
@@ -240,12 +347,15 @@ void Accel::Impl::fill_ground(const Ray& ray, float distance, Hit& hit) const {
     hit.shading_normal = hit.geometric_normal;
     hit.lifted = hit.position;
     hit.uv = {hit.position.x, hit.position.y};
+    hit.uv_per_metre = 1;
 }
+
+namespace {
 
 /// Shading normal, and the start of outgoing rays lifted to the rounded surface that the normals
 /// mean: without it, a coarse cylinder shows the edge of its facets where light comes from the
 /// side (Hanika, "Hacking the Shadow Terminator", Ray Tracing Gems II, ch. 4, 2021).
-void Accel::Impl::smooth(const SoupTriangle& t, const float weights[3], Hit& hit) const {
+void smooth(const TriangleSoup& soup, const SoupTriangle& t, const float weights[3], Hit& hit) {
     Vec3 normal{0, 0, 0}, lift{0, 0, 0};
     for (int i = 0; i < 3; ++i) {
         Vec3 n = soup.normals[t.vertices[i]];
@@ -267,8 +377,22 @@ void Accel::Impl::smooth(const SoupTriangle& t, const float weights[3], Hit& hit
     hit.lifted = hit.position + lift;
 }
 
-void Accel::Impl::fill(const Ray& ray, const RawHit& raw, Hit& hit) const {
-    const SoupTriangle& t = triangle(raw);
+/// Uvs, and how many of them go on a metre.
+void add_uvs(const TriangleSoup& soup, const SoupTriangle& t, const RawHit& raw, Hit& hit) {
+    hit.uv = uv_at(soup, t, raw.u, raw.v);
+    const Vec2 a = soup.uvs[t.vertices[0]], b = soup.uvs[t.vertices[1]],
+               c = soup.uvs[t.vertices[2]];
+    const float square = std::fabs((b.x - a.x) * (c.y - a.y) - (c.x - a.x) * (b.y - a.y));
+    const Vec3 p = soup.positions[t.vertices[0]];
+    const float area =
+        length(cross(soup.positions[t.vertices[1]] - p, soup.positions[t.vertices[2]] - p));
+    hit.uv_per_metre = std::sqrt(std::max(square / area, 1e-30f));
+}
+
+/// The hit in the shape's own frame, in which the ray has `direction`.
+void fill_in_frame(const Shape& shape, const RawHit& raw, Vec3 direction, Hit& hit) {
+    const TriangleSoup& soup = shape.soup;
+    const SoupTriangle& t = shape.triangle(raw.geometry, raw.triangle);
     const SoupMesh& mesh = soup.meshes[t.mesh];
     const float weights[3] = {1 - raw.u - raw.v, raw.u, raw.v};
     hit = {};
@@ -280,23 +404,30 @@ void Accel::Impl::fill(const Ray& ray, const RawHit& raw, Hit& hit) const {
     hit.position = a + (soup.positions[t.vertices[1]] - a) * raw.u +
                    (soup.positions[t.vertices[2]] - a) * raw.v;
     hit.geometric_normal = raw_normal(soup, t);
-    if (dot(hit.geometric_normal, ray.direction) > 0)
+    if (dot(hit.geometric_normal, direction) > 0)
         hit.geometric_normal = -hit.geometric_normal;
     hit.shading_normal = hit.geometric_normal;
     hit.lifted = hit.position;
     hit.uv = {raw.u, raw.v};
     if (mesh.has_normals)
-        smooth(t, weights, hit);
-    if (mesh.has_uvs) {
-        hit.uv = {0, 0};
-        for (int i = 0; i < 3; ++i) {
-            hit.uv.x += weights[i] * soup.uvs[t.vertices[i]].x;
-            hit.uv.y += weights[i] * soup.uvs[t.vertices[i]].y;
-        }
-    }
+        smooth(soup, t, weights, hit);
+    if (mesh.has_uvs)
+        add_uvs(soup, t, raw, hit);
 }
 
-Accel::Accel(const Scene& scene)
+} // namespace
+
+void Accel::Impl::fill(const Ray& ray, const RawHit& raw, Hit& hit) const {
+    if (raw.instance == RTC_INVALID_GEOMETRY_ID) {
+        fill_in_frame(world, raw, ray.direction, hit);
+        return;
+    }
+    const Placing& placing = placings[raw.instance - first_instance];
+    fill_in_frame(prototypes[placing.prototype()], raw, placing.to_prototype(ray.direction), hit);
+    placing.to_scene(hit);
+}
+
+Accel::Accel(const Scene& scene, std::shared_ptr<const TextureSet> textures)
   : impl_(std::make_unique<Impl>()) {
     if (scene.materials.empty())
         throw std::invalid_argument("scene: at least one material is needed");
@@ -305,18 +436,25 @@ Accel::Accel(const Scene& scene)
     if (scene.ground && !std::isfinite(scene.ground->elevation))
         throw std::invalid_argument("ground plane: its elevation is not finite");
     Impl& impl = *impl_;
-    impl.soup = make_triangle_soup(scene);
+    check_materials(scene);
+    TriangleSoup& soup = impl.world.soup;
+    soup = make_triangle_soup(scene.meshes, scene.materials);
     impl.materials = scene.materials;
+    impl.textures = textures ? std::move(textures) : std::make_shared<TextureSet>(scene.textures);
     impl.ground = scene.ground;
-    impl.bounds = {impl.soup.low, impl.soup.high};
-    const float size = std::max({length(impl.soup.low), length(impl.soup.high),
+    impl.bounds = {soup.low, soup.high, soup.triangle_count() == 0};
+    impl.prototypes.resize(scene.prototypes.size());
+    for (std::size_t i = 0; i < scene.prototypes.size(); ++i)
+        impl.prototypes[i].soup = make_triangle_soup(scene.prototypes[i].meshes, scene.materials,
+                                                     "prototype " + std::to_string(i) + ", ");
+    const float size = std::max({length(soup.low), length(soup.high),
                                  impl.ground ? std::fabs(impl.ground->elevation) : 0.0f, 1.0f});
     impl.ground_tolerance = 2e-5f * size;
-    mark_coplanar_triangles(impl.soup, scene.materials.size());
-    for (const auto* list : {&impl.soup.opaque, &impl.soup.glass})
+    mark_coplanar_triangles(soup, scene.materials.size());
+    for (const auto& list : soup.lists)
         impl.coplanar += static_cast<std::size_t>(std::count_if(
-            list->begin(), list->end(), [](const SoupTriangle& t) { return t.coplanar != 0; }));
-    impl.build();
+            list.begin(), list.end(), [](const SoupTriangle& t) { return t.coplanar != 0; }));
+    impl.build(scene);
 }
 
 Accel::~Accel() = default;
@@ -333,7 +471,8 @@ bool Accel::intersect(const Ray& ray, Hit& hit) const {
         impl_->fill_ground(ray, plane, hit);
         return true;
     }
-    if (impl_->triangle(raw).coplanar)
+    if (raw.instance == RTC_INVALID_GEOMETRY_ID &&
+        impl_->world.triangle(raw.geometry, raw.triangle).coplanar)
         impl_->choose_coplanar(ray, raw);
     impl_->fill(ray, raw, hit);
     // Floors that lie in the ground plane are seen, not the plane.
@@ -349,7 +488,7 @@ Rgb Accel::transmittance(const Ray& ray) const {
     ShadowContext context;
     rtcInitIntersectContext(&context.embree);
     alignas(16) RTCRay query = make_ray_hit(ray, 0).ray;
-    rtcOccluded1(impl_->scene.get(), &context.embree, &query);
+    rtcOccluded1(impl_->world.scene.get(), &context.embree, &query);
     return query.tfar < 0 ? Rgb{0, 0, 0} : context.transmittance;
 }
 
@@ -373,14 +512,47 @@ Vec3 Accel::leave(const Hit& hit, Vec3 direction) const {
     const bool outside = dot(direction, hit.geometric_normal) >= 0;
     const Vec3 n = outside ? hit.geometric_normal : -hit.geometric_normal;
     const Vec3 p = outside ? hit.lifted : hit.position;
-    return {offset_coordinate(p.x, n.x), offset_coordinate(p.y, n.y), offset_coordinate(p.z, n.z)};
+    const Vec3 start{offset_coordinate(p.x, n.x), offset_coordinate(p.y, n.y),
+                     offset_coordinate(p.z, n.z)};
+    return hit.margin > 0 ? start + n * hit.margin : start;
+}
+
+std::vector<HeldTriangle> Accel::triangles_of(const std::vector<bool>& wanted,
+                                              std::size_t most) const {
+    std::vector<HeldTriangle> held;
+    const TriangleSoup& soup = impl_->world.soup;
+    for (const auto* list : {&soup.lists[opaque_kind], &soup.lists[glass_kind]})
+        for (std::size_t i = 0; i < list->size(); ++i) {
+            const SoupTriangle& t = (*list)[i];
+            const std::uint32_t material = soup.meshes[t.mesh].material;
+            if (!wanted[material])
+                continue;
+            if (held.size() == most)
+                return {};
+            held.push_back({{soup.positions[t.vertices[0]], soup.positions[t.vertices[1]],
+                             soup.positions[t.vertices[2]]},
+                            t.mesh,
+                            static_cast<std::uint32_t>(i),
+                            material,
+                            t.coplanar != 0});
+        }
+    return held;
 }
 
 const SceneBounds& Accel::bounds() const { return impl_->bounds; }
+const TextureSet& Accel::textures() const { return *impl_->textures; }
 std::size_t Accel::triangle_count() const {
-    return impl_->soup.opaque.size() + impl_->soup.glass.size();
+    std::size_t count = impl_->world.soup.triangle_count();
+    for (const Shape& shape : impl_->prototypes)
+        count += shape.soup.triangle_count();
+    return count;
 }
-std::size_t Accel::skipped_triangle_count() const { return impl_->soup.skipped; }
+std::size_t Accel::skipped_triangle_count() const {
+    std::size_t count = impl_->world.soup.skipped;
+    for (const Shape& shape : impl_->prototypes)
+        count += shape.soup.skipped;
+    return count;
+}
 std::size_t Accel::coplanar_triangle_count() const { return impl_->coplanar; }
 
 bool Accel::bare_intersect(const Ray& ray) const {
@@ -389,10 +561,10 @@ bool Accel::bare_intersect(const Ray& ray) const {
 }
 
 bool Accel::bare_occluded(const Ray& ray) const {
-    RTCIntersectContext context;
-    rtcInitIntersectContext(&context);
+    ShadowContext context; // filters of glass write into it
+    rtcInitIntersectContext(&context.embree);
     alignas(16) RTCRay query = make_ray_hit(ray, 0).ray;
-    rtcOccluded1(impl_->scene.get(), &context, &query);
+    rtcOccluded1(impl_->world.scene.get(), &context.embree, &query);
     return query.tfar < 0;
 }
 

@@ -40,6 +40,8 @@ float coat_f0(const Material& m) {
 } // namespace
 
 Rgb thin_glass_transmittance(const Material& material, float cosine) {
+    if (material.is_lamp)
+        return {1, 1, 1};
     const float passed = 1 - pane_reflectance(cosine, usable_ior(material.ior));
     return clamp_reflectance(material.base_color) * (passed * clamp01(material.transmission));
 }
@@ -54,6 +56,7 @@ Bsdf::Bsdf(const Material& material, Vec3 normal, Vec3 outgoing, float least_rou
     alpha_ = std::max(roughness * roughness, least_alpha);
     const float metallic = clamp01(material.metallic);
     transmission_ = clamp01(material.transmission) * (1 - metallic);
+    translucency_ = clamp01(material.translucency);
     const Rgb base = clamp_reflectance(material.base_color);
     f0_grey_ = coat_f0(material);
     // A coat weaker than any real one fades at grazing angles too, so that 0 is truly matt.
@@ -102,16 +105,17 @@ Rgb Bsdf::glossy_fresnel(float cosine) const {
 Rgb Bsdf::evaluate(Vec3 incoming, float& pdf) const {
     pdf = 0;
     const Vec3 light = frame_.to_local(incoming);
-    if (light.z <= 0)
-        return {0, 0, 0};
-    const float p_diffuse = std::max(0.0f, 1 - p_glossy_ - p_through_);
+    const float cosine = std::fabs(light.z);
+    const float side = light.z > 0 ? 1 - translucency_ : translucency_; // of the diffuse light
+    const float p_diffuse = std::max(0.0f, 1 - p_glossy_ - p_through_) * side;
     Rgb value{0, 0, 0};
-    if (max_component(diffuse_) > 0) {
-        const float share_in = 1 - ggx_albedo(light.z, alpha_).of(f0_grey_, f90_grey_);
-        value = diffuse_ * (base_share_out_ * share_in / base_share_mean_ * light.z / pi);
-        pdf = p_diffuse * light.z / pi;
+    if (side > 0 && cosine > 0 && max_component(diffuse_) > 0) {
+        // both faces have the coat
+        const float share_in = 1 - ggx_albedo(cosine, alpha_).of(f0_grey_, f90_grey_);
+        value = diffuse_ * (side * base_share_out_ * share_in / base_share_mean_ * cosine / pi);
+        pdf = p_diffuse * cosine / pi;
     }
-    if (p_glossy_ > 0) {
+    if (p_glossy_ > 0 && light.z > 0) {
         const Ggx ggx{alpha_};
         const Vec3 half = normalize(outgoing_ + light);
         const float d = ggx.density(half);
@@ -137,9 +141,13 @@ BsdfSample Bsdf::sample(float lobe, Vec2 u) const {
         const Vec3 half = Ggx{alpha_}.sample_visible_normal(outgoing_, u);
         light = half * (2 * dot(outgoing_, half)) - outgoing_;
     } else {
+        const float before = p_through_ + p_glossy_;
         light = sample_cosine_hemisphere(u);
+        result.beyond = lobe - before < translucency_ * (1 - before);
+        if (result.beyond)
+            light.z = -light.z;
     }
-    if (light.z <= 0)
+    if (light.z <= 0 && !result.beyond)
         return result;
     result.direction = normalize(frame_.to_world(light));
     const Rgb value = evaluate(result.direction, result.pdf);

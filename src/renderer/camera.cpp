@@ -66,6 +66,14 @@ Ray CameraRays::generate(float x, float y) const {
     return {eye_, normalize(forward_ + offset)};
 }
 
+float CameraRays::pixel_width() const {
+    return projection_ == Camera::Projection::parallel ? length(up_) * inverse_height_ : 0;
+}
+
+float CameraRays::pixel_spread() const {
+    return projection_ == Camera::Projection::parallel ? 0 : length(up_) * inverse_height_;
+}
+
 float CameraRays::step_back(Vec3 centre, float radius, float lowest_start) {
     if (projection_ == Camera::Projection::perspective)
         return 0;

@@ -18,6 +18,11 @@ public:
     /// the outer corner at the top left.
     Ray generate(float x, float y) const;
 
+    /// Diameter of what a pixel's ray stands for: at its start in metres, and how it grows by
+    /// metre.
+    float pixel_width() const;
+    float pixel_spread() const;
+
     /// Moves the starts of a parallel camera's rays back along the view, out of a sphere and above
     /// a height as far as the view comes from above: a parallel view shows what lies behind its
     /// eye as well. Returns by how many metres. Does nothing to a perspective camera.

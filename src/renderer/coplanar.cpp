@@ -182,27 +182,33 @@ private:
     std::vector<Node> nodes_;
 };
 
+/// The triangle that stands at `index` when the lists are one behind the other.
+SoupTriangle& triangle_at(TriangleSoup& soup, std::size_t index) {
+    std::size_t kind = 0;
+    while (index >= soup.lists[kind].size())
+        index -= soup.lists[kind++].size();
+    return soup.lists[kind][index];
+}
+
 } // namespace
 
 void mark_coplanar_triangles(TriangleSoup& soup, std::size_t materials) {
     std::vector<Face> faces;
-    faces.reserve(soup.opaque.size() + soup.glass.size());
-    for (const auto* list : {&soup.opaque, &soup.glass})
-        for (const SoupTriangle& t : *list)
+    faces.reserve(soup.triangle_count());
+    for (const auto& list : soup.lists)
+        for (const SoupTriangle& t : list)
             faces.push_back(make_face(soup, t, materials));
     const bool one_look = std::all_of(faces.begin(), faces.end(),
                                       [&](const Face& f) { return f.look == faces.front().look; });
     if (one_look)
         return;
     const FaceTree tree(faces);
-    const std::size_t opaque = soup.opaque.size();
-    tbb::parallel_for(
-        tbb::blocked_range<std::size_t>(0, faces.size(), 256), [&](const auto& range) {
-            for (std::size_t i = range.begin(); i < range.end(); ++i) {
-                SoupTriangle& t = i < opaque ? soup.opaque[i] : soup.glass[i - opaque];
-                t.coplanar = tree.is_shared(faces[i]) ? 1 : 0;
-            }
-        });
+    tbb::parallel_for(tbb::blocked_range<std::size_t>(0, faces.size(), 256),
+                      [&](const auto& range) {
+                          for (std::size_t i = range.begin(); i < range.end(); ++i) {
+                              triangle_at(soup, i).coplanar = tree.is_shared(faces[i]) ? 1 : 0;
+                          }
+                      });
 }
 
 } // namespace renderer

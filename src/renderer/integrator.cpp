@@ -1,4 +1,4 @@
-// Unidirectional path tracing with explicit sun and sky light.
+// Unidirectional path tracing with explicit light of sun, sky and placed lights.
 #include "renderer/integrator.h"
 
 #include "renderer/bsdf.h"
@@ -11,22 +11,43 @@ namespace renderer {
 namespace {
 
 constexpr std::uint32_t camera_pairs = 1, pairs_per_bounce = 4;
+/// Placed lights have pairs of their own, so that they change nothing for scenes without any.
+constexpr std::uint32_t light_pairs = 1u << 16,
+                        light_pairs_per_bounce = 1 + PlacedLights::most_samples;
 constexpr int roulette_from = 2; // bounces that always go on
+constexpr int most_panes = 32;
+constexpr float light_gap = 1e-4f; // share of the way to a light that is not looked at
 
 /// With a clamp, paths that have left a rough surface see mirrors blurred by this: what they
 /// would show of the sun is found by chance only, and would come as fireflies.
 constexpr float blurred_roughness = 0.35f;
 
+/// A sample of a pixel stands for less than the pixel: its neighbours fill up the rest.
+constexpr float sample_share = 0.5f;
+/// How wide a ray gets when it leaves a surface with density 1 per solid angle: the radius of the
+/// cone which that density fills, halved, since many such rays are averaged.
+constexpr float spread_of_unit_density = 0.28f;
+/// Directions that a surface sends light to in a denser lobe than this are a mirror's.
+constexpr float mirror_density = 10;
+
+/// How much of a mirror a surface is in a direction that it draws with a density: from 0, where
+/// it may see lights that are not to be seen, to 1, where it sees the lamps that are.
+float mirror_share(float pdf) { return pdf > mirror_density ? 1 - mirror_density / pdf : 0; }
+
 bool is_black(Rgb c) { return max_component(c) <= 0; }
 
-void check_channels(const ChannelSettings& light, const std::vector<Material>& materials) {
+void check_channels(const ChannelSettings& light, const Scene& scene) {
     if (light.channels.empty())
         return;
     const auto count = static_cast<int>(light.channels.size());
     const auto there = [count](int channel) { return channel >= 0 && channel < count; };
     bool good = count <= most_channels && there(light.sun) && there(light.sky);
-    for (const Material& material : materials)
+    for (const Material& material : scene.materials)
         good = good && there(material.light_channel);
+    for (const Decal& decal : scene.decals)
+        good = good && there(decal.light_channel);
+    for (const Light& placed : scene.lights)
+        good = good && there(placed.channel);
     if (!good)
         throw std::invalid_argument("render: a light's channel is not among the channels");
 }
@@ -44,6 +65,11 @@ struct Integrator::PathState {
     int panes = 0;              ///< panes of glass passed straight
     bool seen_by_camera = true; ///< only straight passes behind us
     float pdf = 0;              ///< density of the direction of `ray`
+    float width = 0;            ///< metres; diameter of what `ray` stands for at its start,
+    float spread = 0;           ///< and how it grows by metre (Akenine-Moeller et al., "Texture
+                                ///< Level of Detail Strategies", Ray Tracing Gems, ch. 20, 2019)
+    LitPoint left;              ///< the vertex that drew that direction
+    bool left_first = false;    ///< it was the first
     float roughness_floor = 0;
 };
 
@@ -51,17 +77,19 @@ struct Integrator::PathState {
 struct Integrator::Vertex {
     const Hit& hit;
     const Bsdf& bsdf;
+    LitPoint lit; ///< the same as placed lights see it
 };
 
 Integrator::Integrator(const Accel& accel, const Scene& scene, const RenderSettings& settings)
   : accel_(accel)
-  , materials_(scene.materials)
+  , looks_(scene, accel.textures())
   , light_(scene.environment, scene.ground.has_value())
+  , placed_(scene, accel)
   , camera_(scene.camera, settings.width, settings.height)
   , filter_(settings.filter_radius)
   , settings_(settings)
   , fade_distance_(std::max(1500.0f, 40 * accel.bounds().radius())) {
-    check_channels(settings.light, scene.materials);
+    check_channels(settings.light, scene);
     const SceneBounds& bounds = accel.bounds();
     const float radius = 1.01f * bounds.radius() + 0.01f;
     const float elevation = scene.ground ? scene.ground->elevation : bounds.low.z;
@@ -86,6 +114,8 @@ PathResult Integrator::trace_sample(int x, int y, std::uint32_t sample,
 PathResult Integrator::trace_path(Ray ray, Sampler& sampler, PathChannels* channels) const {
     PathState state;
     state.ray = ray;
+    state.width = sample_share * camera_.pixel_width();
+    state.spread = sample_share * camera_.pixel_spread();
     if (channels && !settings_.light.channels.empty()) {
         *channels = {};
         state.channels = channels;
@@ -134,7 +164,10 @@ void Integrator::finish_channels(PathState& state, float indirect_scale) const {
 /// Follows the ray to the next surface; false when the path has ended.
 bool Integrator::step(PathState& state, Sampler& sampler) const {
     Hit hit;
-    if (!accel_.intersect(state.ray, hit)) {
+    const bool found = accel_.intersect(state.ray, hit);
+    if (placed_.has_surfaces() && !meet_lights(state, found ? hit.distance : infinity))
+        return false;
+    if (!found) {
         add_escaped(state);
         return false;
     }
@@ -142,7 +175,11 @@ bool Integrator::step(PathState& state, Sampler& sampler) const {
         return false;
     sampler.set_dimension(camera_pairs +
                           static_cast<std::uint32_t>(state.depth + state.panes) * pairs_per_bounce);
-    const Material& material = materials_[hit.material];
+    state.width += state.spread * hit.distance;
+    Material with_pictures;
+    DecalGlow glow;
+    const Material& material =
+        looks_.at(hit, state.ray.direction, state.width, with_pictures, glow);
     const Vec3 outgoing = -state.ray.direction;
     const Bsdf bsdf(material, hit.shading_normal, outgoing, state.roughness_floor);
     if (state.depth == 0 && state.panes == 0) {
@@ -153,16 +190,31 @@ bool Integrator::step(PathState& state, Sampler& sampler) const {
         r.normal = hit.shading_normal;
         r.depth = hit.distance - stepped_back_;
     }
-    if (!is_black(material.emission)) {
-        const Rgb glow = state.throughput * material.emission;
-        add(state, glow, state.depth);
-        add_to_channel(state, material.light_channel, glow, state.depth);
+    if (!is_black(material.emission))
+        add_emission(state, hit, material);
+    add_decal_light(state, glow);
+    if (material.is_lamp && !state.seen_by_camera && mirror_share(state.pdf) == 0) {
+        state.ray = {accel_.leave(hit, state.ray.direction), state.ray.direction};
+        return ++state.panes <= most_panes;
     }
     if (state.depth >= settings_.max_bounces)
         return false;
-    const Vertex vertex{hit, bsdf};
+    const bool both_sides = material.translucency > 0;
+    const Vertex vertex{hit, bsdf, {hit.position, both_sides ? Vec3{0, 0, 0} : hit.shading_normal}};
     add_direct_light(state, vertex, sampler);
+    if (!placed_.empty())
+        add_placed_lights(state, vertex, sampler);
     return scatter(state, vertex, sampler);
+}
+
+/// What decals on the surface give, found by chance only.
+void Integrator::add_decal_light(PathState& state, const DecalGlow& glow) const {
+    for (int i = 0; i < glow.count; ++i) {
+        const DecalGlow::Part& part = glow.parts[static_cast<std::size_t>(i)];
+        const Rgb light = state.throughput * part.radiance;
+        add(state, light, state.depth);
+        add_to_channel(state, part.channel, light, state.depth);
+    }
 }
 
 /// Light of sun and sky behind the last surface, weighted against add_direct_light.
@@ -228,17 +280,137 @@ void Integrator::add_direct_light(PathState& state, const Vertex& vertex, Sample
     add_to_channel(state, settings_.light.sky, state.throughput * sky, state.depth + 1);
 }
 
+/// True where a leaf's shading normal and its face disagree on which side of it a direction lies.
+/// Such light would show on the wrong side; of other surfaces it stays, as they are mostly closed.
+bool Integrator::is_split(const Vertex& vertex, Vec3 direction) {
+    return vertex.bsdf.is_translucent() && (dot(direction, vertex.hit.geometric_normal) > 0) !=
+                                               (dot(direction, vertex.hit.shading_normal) > 0);
+}
+
 /// One light sample's contribution: value, density, then the shadow ray, cheapest first.
 Rgb Integrator::light_from(const LightSample& light, const Vertex& vertex) const {
     if (light.pdf <= 0)
         return {0, 0, 0};
     float bsdf_pdf = 0;
     const Rgb value = vertex.bsdf.evaluate(light.direction, bsdf_pdf);
-    if (is_black(value))
+    if (is_black(value) || is_split(vertex, light.direction))
         return {0, 0, 0};
     const Ray shadow{accel_.leave(vertex.hit, light.direction), light.direction};
     const Rgb passed = accel_.transmittance(shadow);
     return value * light.radiance * passed * (power_heuristic(light.pdf, bsdf_pdf) / light.pdf);
+}
+
+/// A glowing surface on the ray, weighted against add_placed_lights.
+void Integrator::add_emission(PathState& state, const Hit& hit, const Material& material) const {
+    Rgb glow = state.throughput * material.emission;
+    if (!state.seen_by_camera)
+        glow = glow * (material.is_lamp
+                           ? mirror_share(state.pdf)
+                           : power_heuristic(state.pdf,
+                                             placed_.density(state.left, state.left_first, hit)));
+    add(state, glow, state.depth);
+    add_to_channel(state, material.light_channel, glow, state.depth);
+}
+
+/// Placed lights between the ray's start and the next surface. The camera sees the nearest that
+/// is visible, and the path ends there: false. To all other rays lights are as clear as to shadow
+/// rays: they give what they give, and the path goes on.
+bool Integrator::meet_lights(PathState& state, float distance) const {
+    Ray ray = state.ray;
+    ray.t_max = std::min(ray.t_max, distance);
+    if (!state.seen_by_camera) {
+        placed_.for_each_passed(ray,
+                                [&](const PassedLight& light) { add_passed_light(state, light); });
+        return true;
+    }
+    PassedLight nearest;
+    placed_.for_each_passed(ray, [&](const PassedLight& light) {
+        const bool nearer = nearest.light < 0 || light.distance < nearest.distance ||
+                            (light.distance == nearest.distance && light.light < nearest.light);
+        if (light.visible && nearer)
+            nearest = light;
+    });
+    if (nearest.light < 0)
+        return true;
+    if (state.panes == 0) {
+        PathResult& r = state.result;
+        r.alpha = 1;
+        r.albedo = {1, 1, 1};
+        r.normal = -ray.direction;
+        r.depth = nearest.distance - stepped_back_;
+    }
+    const Rgb glow = state.throughput * nearest.radiance;
+    add(state, glow, state.depth);
+    add_to_channel(state, nearest.channel, glow, state.depth);
+    return false;
+}
+
+void Integrator::add_passed_light(PathState& state, const PassedLight& light) const {
+    if (!light.casts_shadows) // its samples are not stopped by what stops the ray
+        return;
+    const Vec3 point = state.ray.origin + state.ray.direction * light.distance;
+    const float density = placed_.density(state.left, state.left_first, light, point);
+    const float seen = light.visible ? 1 : 1 - mirror_share(state.pdf);
+    const Rgb glow =
+        state.throughput * light.radiance * (seen * power_heuristic(state.pdf, density));
+    add(state, glow, state.depth);
+    add_to_channel(state, light.channel, glow, state.depth);
+}
+
+/// Light of placed lights and glowing faces at the vertex.
+void Integrator::add_placed_lights(PathState& state, const Vertex& vertex, Sampler& sampler) const {
+    Sampler numbers = sampler;
+    numbers.set_dimension(light_pairs + static_cast<std::uint32_t>(state.depth + state.panes) *
+                                            light_pairs_per_bounce);
+    const bool first = state.depth == 0;
+    const float choice = numbers.next_1d();
+    const int count = placed_.sample_count(first);
+    for (int i = 0; i < count; ++i) {
+        const PlacedSample light = placed_.sample(vertex.lit, first, i, choice, numbers.next_2d());
+        if (is_black(light.light))
+            continue;
+        const Rgb got = state.throughput * light_from(light, vertex);
+        add(state, got, state.depth + 1);
+        add_to_channel(state, light.channel, got, state.depth + 1);
+    }
+}
+
+Rgb Integrator::light_from(const PlacedSample& light, const Vertex& vertex) const {
+    float bsdf_pdf = 0;
+    const Rgb value = vertex.bsdf.evaluate(light.direction, bsdf_pdf);
+    if (is_black(value) || is_split(vertex, light.direction))
+        return {0, 0, 0};
+    float weight = light.density > 0 ? power_heuristic(light.density, bsdf_pdf) : 1;
+    if (!light.visible || light.density <= 0)
+        weight *= 1 - mirror_share(bsdf_pdf);
+    const Rgb got = value * light.light * weight;
+    return light.casts_shadows ? got * way_to(light, vertex) : got;
+}
+
+/// The share of a light that comes through to a vertex.
+Rgb Integrator::way_to(const PlacedSample& light, const Vertex& vertex) const {
+    Ray shadow{accel_.leave(vertex.hit, light.direction), light.direction};
+    if (light.distant)
+        return accel_.transmittance(shadow);
+    const Vec3 to = light.point - shadow.origin;
+    const float distance = length(to);
+    if (!(distance > 0))
+        return {1, 1, 1};
+    shadow.direction = to / distance;
+    shadow.t_max = distance * (1 - light_gap);
+    const Rgb passed = accel_.transmittance(shadow);
+    if (light.face < 0 || is_black(passed))
+        return passed;
+    // of faces in one plane only one is seen, and shines; decals cover part of its light
+    Hit seen;
+    const Ray rest{shadow.origin + shadow.direction * shadow.t_max, shadow.direction,
+                   4 * light_gap * distance};
+    if (!accel_.intersect(rest, seen) || !placed_.is_face(light.face, seen))
+        return {0, 0, 0};
+    Material with_pictures;
+    DecalGlow glow;
+    const Rgb emission = looks_.at(seen, rest.direction, 0, with_pictures, glow).emission;
+    return passed * (max_component(emission) / max_component(placed_.face_radiance(light.face)));
 }
 
 /// Draws the next direction and plays Russian roulette; false when the path has ended.
@@ -248,16 +420,19 @@ bool Integrator::scatter(PathState& state, const Vertex& vertex, Sampler& sample
     if (sample.pdf <= 0 || is_black(sample.weight))
         return false;
     const bool inwards = dot(sample.direction, vertex.hit.geometric_normal) <= 0;
-    if (inwards && !sample.straight)
+    if (inwards != sample.beyond && !sample.straight)
         return false;
     state.throughput *= sample.weight;
     if (sample.straight) {
-        if (++state.panes > 32)
+        if (++state.panes > most_panes)
             return false;
     } else {
+        state.left = vertex.lit;
+        state.left_first = state.depth == 0;
         ++state.depth;
         state.seen_by_camera = false;
         state.pdf = sample.pdf;
+        state.spread += spread_of_unit_density / std::sqrt(std::max(sample.pdf, 0.05f));
         if (settings_.clamp > 0 && sample.pdf < 10)
             state.roughness_floor = blurred_roughness;
     }

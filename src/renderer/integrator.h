@@ -1,4 +1,4 @@
-// Unidirectional path tracing with explicit sun and sky light.
+// Unidirectional path tracing with explicit light of sun, sky and placed lights.
 #pragma once
 
 #include "renderer/accel.h"
@@ -6,8 +6,10 @@
 #include "renderer/environment.h"
 #include "renderer/light_channels.h"
 #include "renderer/pixel_filter.h"
+#include "renderer/placed_lights.h"
 #include "renderer/sampler.h"
 #include "renderer/scene.h"
+#include "renderer/surface_look.h"
 
 #include <array>
 #include <vector>
@@ -49,17 +51,26 @@ private:
     struct Vertex;
     bool step(PathState& state, Sampler& sampler) const;
     void add_escaped(PathState& state) const;
+    void add_decal_light(PathState& state, const DecalGlow& glow) const;
     bool fade_ground(PathState& state, const Hit& hit) const;
     void add_direct_light(PathState& state, const Vertex& vertex, Sampler& sampler) const;
+    static bool is_split(const Vertex& vertex, Vec3 direction);
     Rgb light_from(const LightSample& light, const Vertex& vertex) const;
+    void add_emission(PathState& state, const Hit& hit, const Material& material) const;
+    bool meet_lights(PathState& state, float distance) const;
+    void add_passed_light(PathState& state, const PassedLight& light) const;
+    void add_placed_lights(PathState& state, const Vertex& vertex, Sampler& sampler) const;
+    Rgb light_from(const PlacedSample& light, const Vertex& vertex) const;
+    Rgb way_to(const PlacedSample& light, const Vertex& vertex) const;
     bool scatter(PathState& state, const Vertex& vertex, Sampler& sampler) const;
     void add(PathState& state, Rgb light, int depth) const;
     void add_to_channel(PathState& state, int channel, Rgb light, int depth) const;
     void finish_channels(PathState& state, float indirect_scale) const;
 
     const Accel& accel_;
-    std::vector<Material> materials_;
+    SurfaceLooks looks_;
     DistantLight light_;
+    PlacedLights placed_;
     CameraRays camera_;
     PixelFilter filter_;
     RenderSettings settings_;

@@ -3,6 +3,7 @@
 
 #include "renderer/accel.h"
 #include "renderer/integrator.h"
+#include "renderer/texture.h"
 #include "renderer/tile_job.h"
 
 #include <tbb/global_control.h>
@@ -85,6 +86,10 @@ namespace {
 Scene without_meshes(const Scene& scene) {
     Scene copy;
     copy.materials = scene.materials;
+    copy.lights = scene.lights;
+    copy.webs = scene.webs;
+    copy.textures = scene.textures;
+    copy.decals = scene.decals;
     copy.environment = scene.environment;
     copy.ground = scene.ground;
     copy.camera = scene.camera;
@@ -166,6 +171,9 @@ Outcome Renderer::render(const RenderSettings& settings, SharedPicture& picture,
     return outcome;
 }
 
+const std::vector<std::string>& Renderer::texture_problems() const {
+    return impl_->accel.textures().problems();
+}
 std::size_t Renderer::triangle_count() const { return impl_->accel.triangle_count(); }
 std::size_t Renderer::skipped_triangle_count() const {
     return impl_->accel.skipped_triangle_count();

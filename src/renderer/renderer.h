@@ -57,7 +57,9 @@ public:
     Outcome render(const RenderSettings& settings, SharedPicture& picture, RenderControl& control,
                    const ProgressCallback& progress = {}, const PictureCallback& pass_done = {});
 
-    std::size_t triangle_count() const;
+    /// Texture files that could not be read, each with its reason; they are drawn grey.
+    const std::vector<std::string>& texture_problems() const;
+    std::size_t triangle_count() const; ///< those of a prototype count once
     std::size_t skipped_triangle_count() const;
 
 private:

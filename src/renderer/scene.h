@@ -2,6 +2,7 @@
 // metres, with the scene near its own origin (callers subtract a double-precision centre first).
 #pragma once
 
+#include "renderer/light.h"
 #include "renderer/vec.h"
 
 #include <array>
@@ -30,8 +31,49 @@ struct Material {
     float specular = 0.5f;            ///< dielectric reflectance scale, 0.5 is index 1.5
     float transmission = 0.0f;        ///< share of light that passes a thin pane, 0 to 1
     float ior = 1.5f;
-    Rgb emission{0, 0, 0}; ///< radiance; found by chance, so small lamps come out noisy
+    float translucency =
+        0;                 ///< share of the diffuse light that leaves on the far side, as leaves do
+    int texture = -1;      ///< index into Scene::textures: replaces base_color; needs uvs
+    bool cut_out = false;  ///< the texture's alpha says how much of the surface is there
+    Rgb emission{0, 0, 0}; ///< radiance to both sides
+    /// Belongs to a Light of its own: the camera and mirrors see its emission, but it gives no
+    /// light beside that light's, and takes none away.
+    bool is_lamp = false;
     int light_channel = 0; ///< of the emission; index into ChannelSettings::channels
+};
+
+/// A picture file on surfaces, in display values. Its lower left corner is (0, 0) in uv, its upper
+/// right one (1, 1).
+struct Texture {
+    std::string file;
+    bool repeat = true; ///< else transparent outside 0 to 1
+    float white = 1;    ///< linear reflectance of the picture's white
+};
+
+/// A picture laid onto whatever surface lies in its box: from `origin`, the picture's lower left
+/// corner, along both axes, and `depth` to each side of their plane. It covers meshes and ground,
+/// but no instances; shadow rays through glass know nothing of it. It covers the glow of what is
+/// below it.
+struct Decal {
+    Vec3 origin{0, 0, 0};
+    Vec3 x_axis{1, 0, 0}, y_axis{0, 1, 0}; ///< metres; the whole picture
+    float depth = 0.05f;
+    std::uint32_t texture = 0;
+    float opacity = 1;
+    Rgb emission{0, 0, 0};   ///< radiance where the picture is white
+    bool both_sides = false; ///< else only faces that look along x_axis cross y_axis
+    int light_channel = 0;
+};
+
+/// Meshes that stand in several places, kept once.
+struct Prototype {
+    std::vector<Mesh> meshes;
+};
+struct Instance {
+    std::uint32_t prototype = 0;
+    /// Rows of a 3 by 4 matrix, prototype to scene: rotation with one scale for all axes, or a
+    /// mirror of it.
+    std::array<std::array<float, 4>, 3> transform{{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}}};
 };
 
 /// The sun as a disc of uniform radiance.
@@ -78,7 +120,13 @@ struct Camera {
 
 struct Scene {
     std::vector<Mesh> meshes;
+    std::vector<Prototype> prototypes;
+    std::vector<Instance> instances;
     std::vector<Material> materials; ///< at least one
+    std::vector<Texture> textures;
+    std::vector<Decal> decals; ///< later ones lie over earlier ones
+    std::vector<Light> lights;
+    std::vector<PhotometricWeb> webs;
     Environment environment;
     std::optional<GroundPlane> ground;
     Camera camera;

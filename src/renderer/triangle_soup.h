@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 namespace renderer {
@@ -23,23 +24,34 @@ struct SoupMesh {
     bool has_uvs = false;
 };
 
-/// Opaque triangles and those of thin glass stand in two lists, because shadow rays treat them
-/// differently.
+/// How rays treat a triangle. Where faces share their place, an earlier kind comes before a later.
+enum TriangleKind : unsigned { opaque_kind, glass_kind, cut_out_kind };
+inline constexpr unsigned triangle_kinds = 3;
+
+/// The triangles of each kind stand in a list of their own; lamps, which shadow rays do not see,
+/// stand with the glass.
 struct TriangleSoup {
     std::vector<Vec3> positions;
     std::vector<Vec3> normals; ///< as long as positions, or empty when no mesh has any
     std::vector<Vec2> uvs;     ///< as long as positions, or empty when no mesh has any
     std::vector<SoupMesh> meshes;
-    std::vector<SoupTriangle> opaque;
-    std::vector<SoupTriangle> glass;
+    std::array<std::vector<SoupTriangle>, triangle_kinds> lists; ///< by TriangleKind
     std::size_t skipped = 0;
     Vec3 low{0, 0, 0}, high{0, 0, 0}; ///< bounds of the kept triangles
+
+    std::size_t triangle_count() const;
 };
 
-/// Gathers the triangles and checks meshes and materials. Throws std::invalid_argument for indices
-/// out of range, numbers of a material that are not finite, and normals or uvs that are not one a
-/// position.
-TriangleSoup make_triangle_soup(const Scene& scene);
+/// Throws std::invalid_argument for numbers of a material that are not finite, and for a texture
+/// that is out of range.
+void check_materials(const Scene& scene);
+
+/// Gathers the triangles and checks the meshes, whose materials have been checked. `owner` tells
+/// whose meshes they are, for messages. Throws std::invalid_argument for indices out of range, and
+/// normals or uvs that are not one a position.
+TriangleSoup make_triangle_soup(const std::vector<Mesh>& meshes,
+                                const std::vector<Material>& materials,
+                                const std::string& owner = {});
 
 /// Marks the triangles that lie in one plane with and overlap a triangle of a mesh that looks
 /// different: another material, or normals of its own. Takes about n log n time on all cores.

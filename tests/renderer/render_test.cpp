@@ -94,6 +94,66 @@ TEST(Furnace, ConvexSurfacesShowTheirAlbedoInEvenLight) {
     }
 }
 
+TEST(Furnace, LightGoesThroughLeavesAndNoneIsLost) {
+    for (const float share : {0.3f, 1.0f}) {
+        Scene scene;
+        scene.materials.resize(1);
+        scene.materials[0].base_color = {1, 1, 1};
+        scene.materials[0].translucency = share;
+        demo::add_sphere(scene, {0, 0, 0}, 1, 0, 48);
+        scene.environment.constant = {1, 1, 1};
+        scene.camera.eye = {0, -4, 0};
+        scene.camera.vertical_fov_degrees = 12;
+        RenderSettings settings = small(16);
+        settings.max_bounces = 400;
+        EXPECT_NEAR(mean_radiance(render(scene, settings)).y, 1, 0.02) << share;
+    }
+}
+
+TEST(Light, ASunBehindALeafShowsThroughItByTheClosedForm) {
+    Scene scene = ground_scene(0.5f);
+    scene.materials[0].translucency = 0.4f;
+    scene.ground.reset();
+    scene.meshes.resize(1);
+    scene.meshes[0].positions = {{-50, -50, 0}, {50, -50, 0}, {50, 50, 0}, {-50, 50, 0}};
+    scene.meshes[0].triangles = {{0, 1, 2}, {0, 2, 3}};
+    scene.environment.sun = Sun{demo::sun_direction(50, 70)};
+    const Rgb sun = sun_irradiance(scene.environment.sun->direction, 2.5f);
+    const float lit = 0.5f / pi * sun.y * std::sin(50 * pi / 180);
+    EXPECT_NEAR(mean_radiance(render(scene, small())).y / (0.6f * lit), 1, 5e-3);
+    scene.camera.eye = {0, 0, -5};
+    EXPECT_NEAR(mean_radiance(render(scene, small())).y / (0.4f * lit), 1, 5e-3);
+    scene.materials[0].translucency = 0;
+    EXPECT_EQ(mean_radiance(render(scene, small())).y, 0);
+}
+
+TEST(Light, LampsAndGlowingFacesShineThroughLeavesByTheClosedForm) {
+    Scene scene;
+    scene.materials = {matt(0.5f), matt(0)};
+    scene.materials[0].translucency = 0.4f;
+    scene.meshes.resize(1);
+    scene.meshes[0].positions = {{-5, -5, 0}, {5, -5, 0}, {5, 5, 0}, {-5, 5, 0}};
+    scene.meshes[0].triangles = {{0, 1, 2}, {0, 2, 3}};
+    scene.camera.projection = Camera::Projection::parallel;
+    scene.camera.eye = {0, 0, 5};
+    scene.camera.up = {0, 1, 0};
+    scene.camera.view_height = 0.05f;
+    Light lamp;
+    lamp.position = {0, 0, -2};
+    lamp.intensity = {10, 10, 10};
+    scene.lights = {lamp};
+    const float share = 0.4f * 0.5f;
+    EXPECT_NEAR(mean_radiance(render(scene, small())).y / (share / pi * 10 / 4), 1, 5e-3);
+    scene.lights.clear();
+    Mesh glow = scene.meshes[0]; // fills what lies below the leaf
+    for (Vec3& p : glow.positions)
+        p = {400 * p.x, 400 * p.y, -1};
+    glow.material = 1;
+    scene.materials[1].emission = {3, 3, 3};
+    scene.meshes.push_back(glow);
+    EXPECT_NEAR(mean_radiance(render(scene, small(32))).y / (share * 3), 1, 0.02);
+}
+
 TEST(Furnace, LightInAClosedShellIsTheGeometricSeries) {
     for (const int bounces : {0, 1, 3, 8}) {
         Scene scene;
