@@ -37,6 +37,19 @@ std::string given_name(const std::string& global) {
                : std::string();
 }
 
+/// The kind of a placed light: what it is called by.
+LightKind kind_of(const ChannelWishes& wishes, int number) {
+    const auto number_of = [&](LightKind kind) { return wishes.number[index_of(kind)]; };
+    return number == number_of(LightKind::ceiling) && number != number_of(LightKind::other)
+               ? LightKind::ceiling
+               : LightKind::other;
+}
+
+/// The number of a placed light's channel among those that are wished for.
+int wished(const ChannelWishes& wishes, int number) {
+    return std::clamp(number, 0, wishes.most - 1);
+}
+
 std::array<bool, light_kinds> lights_of(const renderer::Scene& scene) {
     const renderer::Environment& e = scene.environment;
     std::array<bool, light_kinds> there{};
@@ -44,10 +57,39 @@ std::array<bool, light_kinds> lights_of(const renderer::Scene& scene) {
     there[index_of(LightKind::sky)] =
         e.sky || gives_light(e.constant) || (!e.visible && gives_light(e.background));
     there[index_of(LightKind::glow)] =
-        std::any_of(scene.meshes.begin(), scene.meshes.end(), [&](const renderer::Mesh& mesh) {
-            return gives_light(scene.materials[mesh.material].emission);
-        });
+        std::any_of(scene.meshes.begin(), scene.meshes.end(),
+                    [&](const renderer::Mesh& mesh) {
+                        const renderer::Material& material = scene.materials[mesh.material];
+                        return gives_light(material.emission) && !material.is_lamp;
+                    }) ||
+        std::any_of(scene.decals.begin(), scene.decals.end(),
+                    [](const renderer::Decal& decal) { return gives_light(decal.emission); });
     return there;
+}
+
+/// The names of the lights at each number that has any.
+std::map<int, std::string> names_of(const ChannelWishes& wishes, const renderer::Scene& scene) {
+    std::map<int, std::array<bool, light_kinds>> kinds;
+    const auto there = lights_of(scene);
+    for (std::size_t i = 0; i < light_kinds; ++i) {
+        if (there[i]) {
+            kinds[wishes.number[i]][i] = true;
+        }
+    }
+    for (const renderer::Light& light : scene.lights) {
+        const int number = wished(wishes, light.channel);
+        kinds[number][index_of(kind_of(wishes, number))] = true;
+    }
+    std::map<int, std::string> names;
+    for (const auto& [number, present] : kinds) {
+        std::string& name = names[number];
+        for (std::size_t i = 0; i < light_kinds; ++i) {
+            if (present[i]) {
+                name += (name.empty() ? "" : ", ") + std::string(kind_rows[i].name);
+            }
+        }
+    }
+    return names;
 }
 
 } // namespace
@@ -86,33 +128,41 @@ ChannelWishes read_channel_wishes() {
 
 renderer::ChannelWeights plan_channels(const ChannelWishes& wishes, renderer::Scene& scene,
                                        renderer::ChannelSettings& light) {
-    const auto there = lights_of(scene);
-    std::map<int, std::string> names;
-    for (std::size_t i = 0; i < light_kinds; ++i) {
-        if (there[i]) {
-            std::string& name = names[wishes.number[i]];
-            name += (name.empty() ? "" : ", ") + std::string(kind_rows[i].name);
-        }
-    }
+    const auto names = names_of(wishes, scene);
     light = {};
     renderer::ChannelWeights weights = renderer::neutral_weights();
     std::map<int, int> at;
     for (const auto& [number, name] : names) {
         const auto known = static_cast<std::size_t>(number);
+        if (light.channels.size() == renderer::most_channels) { // the last takes the rest
+            at[number] = renderer::most_channels - 1;
+            continue;
+        }
         const std::size_t index = light.channels.size();
         at[number] = static_cast<int>(index);
         weights[index] = wishes.weights[known];
         light.channels.push_back(
             {wishes.names[known].empty() ? name : wishes.names[known], number});
     }
-    const auto channel_of = [&](LightKind kind) {
-        const auto found = at.find(wishes.number[index_of(kind)]);
+    const auto channel_at = [&](int number) {
+        const auto found = at.find(number);
         return found == at.end() ? 0 : found->second; // there is no such light
+    };
+    const auto channel_of = [&](LightKind kind) {
+        return channel_at(wishes.number[index_of(kind)]);
     };
     light.sun = channel_of(LightKind::sun);
     light.sky = channel_of(LightKind::sky);
     for (renderer::Material& material : scene.materials) {
-        material.light_channel = channel_of(LightKind::glow);
+        material.light_channel = material.is_lamp
+                                     ? channel_at(wished(wishes, material.light_channel))
+                                     : channel_of(LightKind::glow);
+    }
+    for (renderer::Light& placed : scene.lights) {
+        placed.channel = channel_at(wished(wishes, placed.channel));
+    }
+    for (renderer::Decal& decal : scene.decals) {
+        decal.light_channel = channel_of(LightKind::glow);
     }
     return weights;
 }

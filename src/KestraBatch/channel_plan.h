@@ -28,8 +28,10 @@ struct ChannelWishes {
 ChannelWishes read_channel_wishes();
 
 /// The channels of a scene: one for each number that a light of the scene has, in ascending order.
-/// A channel without light is left out; one that several lights share has their names. Marks the
-/// glowing materials of `scene`, fills `light`, and gives the settings' weights.
+/// A channel without light is left out; one that several lights share has their names, and beyond
+/// renderer::most_channels the last takes the rest. Placed lights and their lamps come with the
+/// settings' number as channel, and leave with their index. Marks the other glowing materials of
+/// `scene`, fills `light`, and gives the settings' weights.
 renderer::ChannelWeights plan_channels(const ChannelWishes& wishes, renderer::Scene& scene,
                                        renderer::ChannelSettings& light);
 

@@ -164,9 +164,15 @@ std::string read_small_file(const std::filesystem::path& path, ExitCode absent, 
     if (!in) {
         throw ReadError(ExitCode::input_unreadable, path.string(), 0, "cannot be opened");
     }
-    std::string text(limit + 1, '\0');
-    in.read(text.data(), static_cast<std::streamsize>(text.size()));
-    text.resize(static_cast<std::size_t>(in.gcount()));
+    // Piece by piece: the limit is far above what such files hold, and memory costs time.
+    constexpr std::size_t piece = std::size_t{1} << 16;
+    std::string text;
+    while (in && text.size() <= limit) {
+        const std::size_t before = text.size();
+        text.resize(before + piece);
+        in.read(text.data() + before, static_cast<std::streamsize>(piece));
+        text.resize(before + static_cast<std::size_t>(in.gcount()));
+    }
     if (text.size() > limit) {
         throw ReadError(ExitCode::limit, path.string(), 0,
                         "longer than " + std::to_string(limit) + " bytes");

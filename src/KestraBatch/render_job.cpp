@@ -166,6 +166,7 @@ RenderJob plan_render(const BatchFolder& folder, int threads, WarningList& warni
     job.light = read_sun_sky(folder.document);
     job.settings.clamp = clamp_of(job.light);
     job.channels = read_channel_wishes();
+    job.plants = read_plant_settings();
     job.tone = tone_settings();
     job.image.jpeg_quality = std::clamp(get_global_int("iks_image_quality", false), 1, 100);
     job.image.dots_per_inch = std::clamp(get_global_int("iks_image_resolution", false), 1, 10000);

@@ -3,6 +3,7 @@
 
 #include "KestraBatch/batch_folder.h"
 #include "KestraBatch/channel_plan.h"
+#include "KestraBatch/plant_shapes.h"
 #include "KestraBatch/read_error.h"
 #include "KestraBatch/scene_light.h"
 #include "renderer/image_file.h"
@@ -23,6 +24,7 @@ struct RenderJob {
     std::vector<std::filesystem::path> outputs; ///< empty: nothing is to be saved
     SunSky light;
     ChannelWishes channels;
+    PlantSettings plants;
     /// Of the channels that `settings.light` names, once the scene is known; neutral before.
     renderer::ChannelWeights weights = renderer::neutral_weights();
 };

@@ -5,16 +5,24 @@
 
 #include "KestraBatch/renderer_scene.h"
 #include "KestraBatch/saved_picture.h"
+#include "KestraBatch/scene_decals.h"
+#include "KestraBatch/scene_lights.h"
+#include "KestraBatch/scene_plants.h"
 #include "KestraBatch/stream_model.h"
 #include "KestraBatch/stream_reader.h"
+#include "platform/thread_priority.h"
 #include "renderer/renderer.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
+#include <cmath>
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 #include <new>
 #include <thread>
+#include <utility>
 
 namespace KestraBatch {
 
@@ -41,28 +49,58 @@ Problem current_problem(const std::filesystem::path& file) {
     }
 }
 
-/// Each pixel as a square of `factor` pixels.
-renderer::Film enlarged(const renderer::Film& small, int factor, int width, int height) {
-    renderer::Film film;
-    film.width = width;
-    film.height = height;
-    const auto n = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+/// Most pixels of a draft that is made in haste, when a render is stopped before it has any light.
+constexpr double hasty_pixels = 65536;
+
+/// Each pixel as a square of `factor` pixels. It has no passes: that marks it as a draft.
+renderer::ChannelFilm enlarged(const renderer::ChannelFilm& small, int factor, int width,
+                               int height) {
+    renderer::ChannelFilm large;
     const auto grow = [&](const auto& from, auto& to) {
-        to.resize(n);
-        for (std::size_t i = 0; i < n; ++i) {
-            const int x = static_cast<int>(i) % width / factor;
-            const int y = static_cast<int>(i) / width / factor;
-            to[i] = from[static_cast<std::size_t>(y) * static_cast<std::size_t>(small.width) +
-                         static_cast<std::size_t>(x)];
+        to.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+        auto next = to.begin();
+        for (int y = 0; y < height; ++y) {
+            const auto row = from.begin() + std::ptrdiff_t{y / factor} * small.film.width;
+            for (int x = 0; x < width; ++x) {
+                *next++ = row[x / factor];
+            }
         }
     };
-    grow(small.radiance, film.radiance);
-    grow(small.alpha, film.alpha);
-    grow(small.albedo, film.albedo);
-    grow(small.normal, film.normal);
-    grow(small.depth, film.depth);
-    grow(small.variance, film.variance);
-    return film;
+    renderer::Film& film = large.film;
+    film.width = width;
+    film.height = height;
+    grow(small.film.radiance, film.radiance);
+    grow(small.film.alpha, film.alpha);
+    grow(small.film.albedo, film.albedo);
+    grow(small.film.normal, film.normal);
+    grow(small.film.depth, film.depth);
+    grow(small.film.variance, film.variance);
+    for (const renderer::LightChannel& channel : small.channels) {
+        large.channels.push_back({channel.name, {}, channel.number});
+        grow(channel.radiance, large.channels.back().radiance);
+    }
+    return large;
+}
+
+bool is_black(const renderer::Rgb& light) { return light.x == 0 && light.y == 0 && light.z == 0; }
+
+/// Pixels that no path has reached yet are taken from the draft of the same size.
+void fill_gaps(renderer::ChannelFilm& picture, const renderer::ChannelFilm& draft) {
+    renderer::Film& film = picture.film;
+    for (std::size_t i = 0; i < film.radiance.size(); ++i) {
+        if (film.alpha[i] != 0 || film.variance[i] != 0 || !is_black(film.radiance[i])) {
+            continue;
+        }
+        film.radiance[i] = draft.film.radiance[i];
+        film.alpha[i] = draft.film.alpha[i];
+        film.albedo[i] = draft.film.albedo[i];
+        film.normal[i] = draft.film.normal[i];
+        film.depth[i] = draft.film.depth[i];
+        film.variance[i] = draft.film.variance[i];
+        for (std::size_t c = 0; c < std::min(picture.channels.size(), draft.channels.size()); ++c) {
+            picture.channels[c].radiance[i] = draft.channels[c].radiance[i];
+        }
+    }
 }
 
 } // namespace
@@ -73,6 +111,7 @@ struct RenderSession::Impl {
     int threads = 0;
     bool outputs_only = false;
     bool drafts = false;
+    std::atomic<bool> abandoned = false; ///< nobody wants the picture of this render any more
 
     // written by the owner before the thread begins, and by the thread before it renders
     BatchFolder folder;
@@ -80,6 +119,8 @@ struct RenderSession::Impl {
     WarningList warnings;
     std::unique_ptr<renderer::Renderer> renderer;
     std::thread thread;
+    std::thread before; ///< has ended but for its last steps; `thread` joins it
+    std::vector<renderer::Renderer::SharedPicture> old_pictures; ///< for the thread to let go
 
     mutable std::mutex mutex; ///< of all below
     mutable std::condition_variable ended;
@@ -103,6 +144,8 @@ struct RenderSession::Impl {
     void build();
     void render(bool go_on);
     void render_drafts();
+    renderer::Renderer::SharedPicture render_draft(int divisor, const std::function<bool()>& go_on);
+    renderer::Renderer::SharedPicture completed(renderer::Renderer::SharedPicture picture);
     bool end_of_render(Outcome outcome);
     void take_progress(const renderer::Progress& progress);
     void publish(const renderer::Renderer::SharedPicture& newest);
@@ -143,10 +186,14 @@ void RenderSession::Impl::publish_warnings(bool last) {
 // ---- on the owner's thread ----
 
 void RenderSession::Impl::stop_and_join() {
+    abandoned = true;
     control->stop();
-    if (thread.joinable()) {
-        thread.join();
+    for (std::thread* one : {&thread, &before}) {
+        if (one->joinable()) {
+            one->join();
+        }
     }
+    abandoned = false;
 }
 
 /// What meets the globals. False when it failed, which the status then tells.
@@ -169,8 +216,16 @@ void RenderSession::Impl::launch(bool go_on) {
         const std::lock_guard lock(mutex);
         running = true;
     }
+    if (thread.joinable() && !before.joinable()) {
+        before = std::move(thread); // it gives way to others: the owner must not wait for it
+    }
     try {
-        thread = std::thread([this, go_on] { work(go_on); });
+        thread = std::thread([this, go_on] {
+            if (before.joinable()) {
+                before.join();
+            }
+            work(go_on);
+        });
     } catch (const std::system_error& error) {
         end(SessionState::failed, {ExitCode::limit, std::string("no thread: ") + error.what()});
     }
@@ -179,8 +234,13 @@ void RenderSession::Impl::launch(bool go_on) {
 // ---- on the session's thread ----
 
 void RenderSession::Impl::work(bool go_on) {
+    if (drafts) { // who looks on comes first; the renderer's threads are started by this one
+        platform::give_way();
+    }
+    old_pictures.clear();
     try {
         if (!go_on) {
+            renderer.reset(); // takes a while: the owner's thread must not
             build();
             publish_warnings(true);
         }
@@ -206,15 +266,27 @@ void RenderSession::Impl::build() {
     publish_warnings(false);
     enter(SessionState::building);
     const auto materials = folder.params.resolve(folder.params.material_folder);
-    const SceneDescription description =
+    SceneDescription description =
         describe_scene(model, folder.view, folder.document, job.light, materials, warnings);
+    add_lights(model, folder.params, folder.document.m_Render.m_ArtificialLighting, description,
+               warnings);
     SceneStatistics statistics;
     const double aspect = static_cast<double>(job.settings.width) / job.settings.height;
     renderer::Scene scene = build_renderer_scene(model, description, aspect, statistics, warnings);
+    const auto beside = folder.params.resolve(folder.params.geometry_file);
+    add_plants(model, description,
+               {beside.parent_path() / "Plants", beside.string(), job.plants, TsGrowPlant}, scene,
+               warnings);
+    add_decals(model, description, {beside.parent_path() / "Decals", beside.string()}, scene,
+               warnings);
     model = {};
+    job.settings.clamp = lamp_clamp(scene, job.settings.clamp);
     job.weights = plan_channels(job.channels, scene, job.settings.light);
     if (!outputs_only || !job.outputs.empty()) {
         renderer = std::make_unique<renderer::Renderer>(scene, job.settings.threads);
+        for (const std::string& problem : renderer->texture_problems()) {
+            warnings.add("picture-unreadable", problem);
+        }
     }
 }
 
@@ -223,19 +295,20 @@ void RenderSession::Impl::render(bool go_on) {
     renderer::RenderSettings settings = job.settings;
     {
         const std::lock_guard lock(mutex);
-        newest = go_on ? picture : nullptr;
+        newest = go_on && picture && picture->film.passes > 0 ? picture : nullptr;
         settings.passes = passes_asked;
         settings.max_seconds = time_limit = go_on ? 0 : job.settings.max_seconds;
         status.state = control->stopped() ? status.state : SessionState::rendering;
         status.passes = passes_asked + control->added_passes();
     }
-    if (drafts && !newest) {
+    if (drafts && !go_on) {
         render_drafts();
     }
     Outcome outcome = Outcome::cancelled;
     do {
-        if (control->stopped()) {
-            break; // before there was any light
+        if (control->stopped()) { // before there was any light
+            publish(completed(newest));
+            break;
         }
         settings.resume = newest != nullptr;
         outcome = renderer->render(
@@ -245,6 +318,9 @@ void RenderSession::Impl::render(bool go_on) {
                 return true;
             },
             [this](const renderer::Renderer::SharedPicture& finished) { publish(finished); });
+        if (outcome != Outcome::finished && (!newest || newest->film.passes == 0)) {
+            newest = completed(newest);
+        }
         publish(newest);
     } while (!end_of_render(outcome));
     if (outcome == Outcome::cancelled) {
@@ -252,27 +328,69 @@ void RenderSession::Impl::render(bool go_on) {
     }
 }
 
-/// Two quick looks, a sixteenth and a quarter of the pixels, one path each.
+/// One path for each square of `divisor` pixels; null when `go_on` ended it.
+renderer::Renderer::SharedPicture
+RenderSession::Impl::render_draft(int divisor, const std::function<bool()>& go_on) {
+    renderer::RenderSettings settings = job.settings;
+    settings.width = (settings.width + divisor - 1) / divisor;
+    settings.height = (settings.height + divisor - 1) / divisor;
+    settings.passes = settings.samples_per_pass = 1;
+    settings.max_seconds = 0;
+    settings.resume = false;
+    renderer::RenderControl own; // passes that were added are not the draft's
+    renderer::Renderer::SharedPicture small;
+    const Outcome outcome =
+        renderer->render(settings, small, own, [&](const renderer::Progress&) { return go_on(); });
+    if (outcome != Outcome::finished || !small) {
+        return nullptr;
+    }
+    return std::make_shared<const renderer::ChannelFilm>(
+        enlarged(*small, divisor, job.settings.width, job.settings.height));
+}
+
+/// Two quick looks, a sixteenth and a quarter of the pixels.
 void RenderSession::Impl::render_drafts() {
     for (const int divisor : {4, 2}) {
-        renderer::RenderSettings settings = job.settings;
-        settings.width = (settings.width + divisor - 1) / divisor;
-        settings.height = (settings.height + divisor - 1) / divisor;
-        settings.passes = settings.samples_per_pass = 1;
-        settings.max_seconds = 0;
-        settings.light.channels.clear();
-        renderer::Film small;
-        const Outcome outcome = renderer->render(
-            settings, small, [this](const renderer::Progress&) { return !control->stopped(); });
-        if (outcome != Outcome::finished) {
+        auto newer = render_draft(divisor, [this] { return !control->stopped(); });
+        if (!newer) {
             return;
         }
-        auto large = std::make_shared<renderer::ChannelFilm>();
-        large->film = enlarged(small, divisor, job.settings.width, job.settings.height);
         const std::lock_guard lock(mutex);
-        draft = std::move(large);
+        draft.swap(newer);
         ++status.picture;
     }
+}
+
+/// A render that ended within its first pass still leaves a whole picture: a draft stands in for
+/// what is not there, one that was shown or one that is made now, in a fraction of a second.
+renderer::Renderer::SharedPicture
+RenderSession::Impl::completed(renderer::Renderer::SharedPicture picture_so_far) {
+    if (abandoned || (picture_so_far && picture_so_far->film.passes > 0)) {
+        return picture_so_far;
+    }
+    renderer::Renderer::SharedPicture coarse;
+    {
+        const std::lock_guard lock(mutex);
+        coarse = draft;
+    }
+    if (!coarse) {
+        const double pixels = static_cast<double>(job.settings.width) * job.settings.height;
+        const int divisor =
+            std::max(4, static_cast<int>(std::ceil(std::sqrt(pixels / hasty_pixels))));
+        coarse = render_draft(divisor, [this] { return !abandoned; });
+    }
+    if (!coarse) {
+        return picture_so_far;
+    }
+    warnings.add("draft", "the render ended before its first pass: what was not rendered yet is a "
+                          "coarse draft");
+    publish_warnings(true);
+    if (!picture_so_far) {
+        return coarse;
+    }
+    auto whole = std::make_shared<renderer::ChannelFilm>(*picture_so_far);
+    fill_gaps(*whole, *coarse);
+    return whole;
 }
 
 /// False when passes were added in the last moment. A cancelled render is ended by the caller.
@@ -307,9 +425,11 @@ void RenderSession::Impl::take_progress(const renderer::Progress& progress) {
 }
 
 void RenderSession::Impl::publish(const renderer::Renderer::SharedPicture& newest) {
+    renderer::Renderer::SharedPicture before, no_draft; // let go when the lock is
     const std::lock_guard lock(mutex);
     if (newest && newest != picture) {
-        picture = newest;
+        before = std::exchange(picture, newest);
+        no_draft = std::move(draft);
         draft = nullptr;
         ++status.picture;
         status.pass = newest->film.passes;
@@ -334,8 +454,9 @@ void RenderSession::skip_render_without_outputs() { impl_->outputs_only = true; 
 
 void RenderSession::start() {
     Impl& s = *impl_;
-    s.stop_and_join();
-    s.renderer.reset();
+    if (!wait(0)) {
+        s.stop_and_join();
+    }
     s.warnings = WarningList();
     {
         const std::lock_guard lock(s.mutex);
@@ -345,6 +466,7 @@ void RenderSession::start() {
         const std::uint64_t number = s.status.picture;
         s.status = {};
         s.status.picture = number;
+        s.old_pictures = {std::move(s.picture), std::move(s.draft)};
         s.picture = s.draft = nullptr;
         s.seconds_before = s.fraction_before = 0;
     }
@@ -376,22 +498,20 @@ void RenderSession::add_passes(int passes) {
             s.control->add_passes(passes);
             return;
         }
-        if (!s.picture || s.picture->film.passes < 1 || !s.renderer) {
+        if (!s.picture || !s.renderer) {
             return; // nothing to go on from
         }
         const auto region = s.control->region();
         s.control = std::make_shared<renderer::RenderControl>();
         s.control->set_region(region);
-        s.passes_asked = s.picture->film.passes;
-        s.control->add_passes(passes);
+        const int whole = s.picture->film.passes;
+        s.passes_asked = whole > 0 ? whole : passes; // a draft is rendered from the start
+        s.control->add_passes(whole > 0 ? passes : 0);
         s.seconds_before = s.status.elapsed_seconds;
-        s.fraction_before = static_cast<double>(s.passes_asked) / (s.passes_asked + passes);
+        s.fraction_before = static_cast<double>(whole) / (whole + passes);
         s.status.problem.clear();
         s.status.code = ExitCode::done;
         s.status.state = SessionState::rendering;
-    }
-    if (s.thread.joinable()) {
-        s.thread.join(); // it has ended
     }
     s.launch(true);
 }
@@ -444,6 +564,9 @@ bool RenderSession::save(const std::filesystem::path& path, const renderer::Chan
     RenderJob job = impl_->job;
     add_metadata(job, impl_->folder, impl_->program_version, image.picture.film.passes,
                  status().elapsed_seconds);
+    if (image.picture.film.passes < 1) {
+        job.image.metadata.emplace_back("Draft", "in part: no pass was finished");
+    }
     image.weights = weights;
     image.tone = tone;
     image.metadata = job.image.metadata;

@@ -44,8 +44,8 @@ public:
     /// Without a name to save the picture under, it ends as soon as the scene is built. Before
     /// `start`.
     void skip_render_without_outputs();
-    /// Shows coarse pictures until the first pass is there, for somebody who looks on. They are
-    /// only to be taken, never saved. Before `start`.
+    /// Shows coarse pictures until the first pass is there, for somebody who looks on, and
+    /// renders on threads that give way to others. Drafts have no passes. Before `start`.
     void show_drafts();
     /// Reads the folder's settings into the globals, at once; reads the geometry and renders on the
     /// session's thread. Again after an end: from the start, with the folder read anew. What goes
@@ -53,12 +53,15 @@ public:
     void start();
     void pause(); ///< within a tile; the light so far stays
     void resume();
-    void stop(); ///< within a tile; the picture so far stays
+    /// Within a tile; the picture so far stays. Once the scene is built there is always one: before
+    /// the first pass has ended, a draft stands in for what is not there.
+    void stop();
     /// Renders that part first in each pass, so that it clears up sooner; an empty one: all alike.
     /// The finished picture does not depend on it.
     void set_region(PictureRegion region);
     /// Adds passes to a render that has finished or is under way. One that was stopped goes on from
-    /// its last whole pass. A time limit holds no longer once it has ended.
+    /// its last whole pass, or begins anew when it has none. A time limit holds no longer once it
+    /// has ended.
     void add_passes(int passes);
 
     SessionStatus status() const;
@@ -74,6 +77,7 @@ public:
 
     /// Saves a picture under any name of a kind that is written: toned with `tone` and `weights`
     /// (png, jpg), linear (hdr, exr), or `.QorImage`, which keeps the channels and the settings.
+    /// A picture without a whole pass is marked as `Draft` in the metadata.
     /// False with `error` in words; a file that stood there stays. Toned pictures lose their grain,
     /// which takes seconds.
     bool save(const std::filesystem::path& path, const renderer::ChannelWeights& weights,

@@ -215,7 +215,9 @@ renderer::Scene build_renderer_scene(const StreamModel& model, const SceneDescri
     scene.meshes = SceneBuilder(model, description, statistics).run();
     std::erase_if(scene.meshes, [](const renderer::Mesh& mesh) { return mesh.triangles.empty(); });
     scene.materials = description.surfaces;
-    scene.environment = make_environment(description.light, warnings);
+    scene.lights = description.lights;
+    scene.webs = description.webs;
+    scene.environment = make_environment(description.light, warnings, !description.lights.empty());
     scene.camera = make_camera(description.view, description.perspective, description.center,
                                aspect, warnings);
     std::optional<float> ground;

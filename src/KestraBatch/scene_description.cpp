@@ -71,7 +71,7 @@ SceneDescription describe_scene(const StreamModel& model, const ViewRecord& view
                      std::to_string(model.non_finite_vertices) +
                          " vertices are no finite numbers; their triangles are left out");
     }
-    if (model.triangles.empty()) {
+    if (model.triangles.empty() && model.plants.empty() && model.decals.empty()) {
         warnings.add("geometry-empty",
                      "the drawing gave no faces; the picture shows sky and ground only");
     }

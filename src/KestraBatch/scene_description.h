@@ -29,6 +29,8 @@ struct SceneDescription {
     ViewRecord view;
     bool perspective = true;
     SunSky light;
+    std::vector<renderer::Light> lights; ///< channels are the settings' numbers
+    std::vector<renderer::PhotometricWeb> webs;
     std::optional<double> ground; ///< elevation in metres
     std::uint32_t ground_surface = 0;
 };

@@ -104,7 +104,8 @@ SunSky read_sun_sky(const CTsDoc& document) {
     return light;
 }
 
-renderer::Environment make_environment(const SunSky& light, WarningList& warnings) {
+renderer::Environment make_environment(const SunSky& light, WarningList& warnings,
+                                       bool has_lights) {
     renderer::Environment environment;
     environment.visible = light.sky_visible;
     environment.background = light.background * white_sky_radiance;
@@ -123,7 +124,7 @@ renderer::Environment make_environment(const SunSky& light, WarningList& warning
         sun.intensity = static_cast<float>(light.sun_factor);
         environment.sun = sun;
     }
-    if (!environment.sun && !light.sky_illuminates) {
+    if (!environment.sun && !light.sky_illuminates && !has_lights) {
         warnings.add("no-light", "neither sun nor sky is on: only glowing materials give light");
     }
     return environment;

@@ -35,8 +35,10 @@ inline constexpr float white_sky_radiance = 7.0f;
 SunSky read_sun_sky(const CTsDoc& document);
 
 /// The environment. A sun below the horizon gives no light and a dusky sky; an image sky is a
-/// neutral one until images are rendered; each is a warning, as is a scene without any light.
-renderer::Environment make_environment(const SunSky& light, WarningList& warnings);
+/// neutral one until images are rendered; each is a warning, as is a scene without any light:
+/// `has_lights` tells of others.
+renderer::Environment make_environment(const SunSky& light, WarningList& warnings,
+                                       bool has_lights = false);
 
 /// World elevation of the ground plane in metres, nothing when it is off. It lies a little below
 /// its setting (a quarter of a millimetre, less for a model whose `model_diagonal` in metres is

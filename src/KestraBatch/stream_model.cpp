@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace KestraBatch {
 
@@ -142,6 +143,67 @@ void StreamModel::end_mesh() {
         }
         meshes.pop_back();
     }
+}
+
+void StreamModel::lamp(int number) { mesh().lamp = number; }
+
+void StreamModel::ground_cover(int number) { mesh().cover_number = number; }
+
+void StreamModel::ground_cover_file(std::string_view file) { mesh().cover_file = intern(file); }
+
+void StreamModel::plant_text(std::string_view keyword, std::string_view text) {
+    if (keyword == "PLNM") {
+        pending_plant_.definition = text;
+    }
+}
+
+void StreamModel::plant_number(std::string_view keyword, double value) {
+    if (keyword == "PLDM") {
+        pending_plant_.diameter = value;
+        pending_plant_.library = true;
+    } else if (keyword == "PLSN") {
+        pending_plant_.season = static_cast<int>(value);
+    } else if (keyword == "PLRT") {
+        pending_plant_.rotation = value;
+    } else if (keyword == "PLSC") {
+        pending_plant_.scale = value;
+    }
+}
+
+void StreamModel::end_plant(int) {
+    pending_plant_.line = line;
+    plants.push_back(std::exchange(pending_plant_, {}));
+}
+
+void StreamModel::end_light(int number) {
+    pending_light_.number = number;
+    pending_light_.line = line;
+    lights.push_back(std::exchange(pending_light_, {}));
+}
+
+void StreamModel::decal_triple(std::string_view keyword, const Triple& value) {
+    static constexpr std::pair<std::string_view, Triple DecalRecord::*> places[] = {
+        {"DECO", &DecalRecord::origin}, {"DECX", &DecalRecord::x_axis},
+        {"DECY", &DecalRecord::y_axis}, {"DECZ", &DecalRecord::z_axis},
+        {"DECS", &DecalRecord::scale},  {"DEC1", &DecalRecord::start},
+        {"DEC2", &DecalRecord::end},    {"DECN", &DecalRecord::normal},
+    };
+    for (const auto& [name, place] : places) {
+        if (name == keyword) {
+            pending_decal_.*place = value;
+        }
+    }
+    pending_decal_.is_image = pending_decal_.is_image || keyword == "DEC1";
+}
+
+void StreamModel::decal_number(std::string_view keyword, double value) {
+    (keyword == "DECW" ? pending_decal_.width : pending_decal_.height) = value;
+}
+
+void StreamModel::end_decal(std::string_view file) {
+    pending_decal_.file = file;
+    pending_decal_.line = line;
+    decals.push_back(std::exchange(pending_decal_, {}));
 }
 
 void StreamCounter::vertex(const Triple& point) {

@@ -32,7 +32,10 @@ struct MeshRecord {
                                          ///< for a shell from the comment form "#;KEY: "
     std::uint32_t block = no_name;       ///< index into blocks
     std::uint64_t handle = 0;            ///< of the entity, 0 when it is not told
-    std::size_t line = 0;                ///< where the mesh begins in the stream
+    std::int32_t lamp = -1;              ///< number of the light that the mesh is the lamp of
+    std::uint32_t cover_file = no_name;  ///< index into names: definition of its ground cover
+    std::int32_t cover_number = 0;
+    std::size_t line = 0; ///< where the mesh begins in the stream
 };
 
 /// One instance of a block that holds geometry.
@@ -42,8 +45,38 @@ struct BlockRecord {
     std::uint32_t parent = no_name;
 };
 
-/// Keeps geometry, colours, materials, mapping keys, handles and block membership. Texture
-/// coordinates are not kept: nothing is rendered with an image yet.
+/// One plant. What its records do not tell keeps the value that says so.
+struct PlantRecord {
+    std::string definition; ///< file in the folder of plants
+    Triple location;        ///< drawing units for a library plant, metres for any other
+    bool library = false;   ///< told by its diameter
+    double diameter = 0;    ///< metres; 0 when it is not told
+    int season = -1;
+    double rotation = 0; ///< degrees about Z
+    double scale = 1;
+    std::size_t line = 0;
+};
+
+/// One light; what it is stands in its file.
+struct LightRecord {
+    int type = 0;
+    int number = 0;
+    Triple origin; ///< as in its file
+    std::size_t line = 0;
+};
+
+/// One decal: an object's, by its own file, or a picture that hangs in the drawing. Metres.
+struct DecalRecord {
+    std::string file;
+    bool is_image = false; ///< then corners, normal, width and height are told
+    Triple origin, x_axis, y_axis, z_axis, scale;
+    Triple start, end, normal;
+    double width = 0, height = 0;
+    std::size_t line = 0;
+};
+
+/// Keeps geometry, colours, materials, mapping keys, handles and block membership, and plants,
+/// lights and decals. Texture coordinates are not kept: no material has an image yet.
 class StreamModel : public StreamTarget {
 public:
     std::vector<Triple> positions; ///< drawing units times 0.0254; may hold NaN and infinity
@@ -51,6 +84,9 @@ public:
     std::vector<std::array<std::uint32_t, 3>> triangles;
     std::vector<MeshRecord> meshes;
     std::vector<BlockRecord> blocks;
+    std::vector<PlantRecord> plants;
+    std::vector<LightRecord> lights;
+    std::vector<DecalRecord> decals;
     std::vector<std::string> names;
     /// Material files of the drawing by index; the index stands in MeshRecord::material.
     std::unordered_map<std::int32_t, std::string> material_files;
@@ -75,6 +111,20 @@ public:
     void add_vertex(std::uint32_t index) override;
     void face(const std::array<std::uint32_t, 3>& triangle) override;
     void end_mesh() override;
+    void lamp(int number) override;
+    void dynamic_lamp(int number) override { lamp(number); }
+    void ground_cover(int number) override;
+    void ground_cover_file(std::string_view file) override;
+    void plant_text(std::string_view keyword, std::string_view text) override;
+    void plant_number(std::string_view keyword, double value) override;
+    void plant_location(const Triple& point) override { pending_plant_.location = point; }
+    void end_plant(int count) override;
+    void light_type(int type) override { pending_light_.type = type; }
+    void light_origin(const Triple& point) override { pending_light_.origin = point; }
+    void end_light(int number) override;
+    void decal_triple(std::string_view keyword, const Triple& value) override;
+    void decal_number(std::string_view keyword, double value) override;
+    void end_decal(std::string_view file) override;
 
 private:
     std::uint32_t intern(std::string_view text);
@@ -83,6 +133,9 @@ private:
 
     std::unordered_map<std::string, std::uint32_t> name_index_;
     std::string pending_material_;
+    PlantRecord pending_plant_;
+    LightRecord pending_light_;
+    DecalRecord pending_decal_;
     std::vector<std::uint32_t> open_blocks_;
     Triple pending_vertex_;
     std::array<float, 3> pending_normal_{};

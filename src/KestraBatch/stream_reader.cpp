@@ -25,11 +25,16 @@ std::string quoted(std::string_view text) {
     return out + (text.size() > 60 ? "...'" : "'");
 }
 
+constexpr std::uint32_t highest_corner = 0x7fffffff;
+
+/// A corner below 0 comes out beyond `highest_corner`.
 bool parse_triangle(std::string_view text, std::array<std::uint32_t, 3>& triangle) {
     const char* at = text.data();
     const char* end = at + text.size();
     for (int i = 0; i < 3; ++i) {
-        const auto [stop, error] = std::from_chars(at, end, triangle[static_cast<std::size_t>(i)]);
+        std::int32_t corner = 0;
+        const auto [stop, error] = std::from_chars(at, end, corner);
+        triangle[static_cast<std::size_t>(i)] = static_cast<std::uint32_t>(corner);
         if (error != std::errc() || (i < 2 && (stop == end || *stop != ','))) {
             return false;
         }
@@ -117,6 +122,11 @@ public:
                                                   "): not rendered yet");
             }
         }
+        if (faces_over_holes_ > 0) {
+            warnings_.add("stream-face-over-hole",
+                          file_ + ": " + std::to_string(faces_over_holes_) +
+                              " faces run over a hole's count of corners; they are left out");
+        }
         return std::move(summary_);
     }
 
@@ -163,6 +173,10 @@ private:
         }
         check(keyword);
         ++summary_.counts[index];
+        if (row.form == FieldForm::triangle && is_over_hole(value_.triangle)) {
+            ++faces_over_holes_;
+            return;
+        }
         row.deliver(target_, value_);
     }
 
@@ -213,6 +227,12 @@ private:
         }
     }
 
+    /// Writers fan a face with holes over its whole list, and so over the counts of its holes.
+    static bool is_over_hole(const std::array<std::uint32_t, 3>& triangle) {
+        return std::any_of(triangle.begin(), triangle.end(),
+                           [](std::uint32_t index) { return index > highest_corner; });
+    }
+
     void check_in_mesh(std::string_view keyword) {
         if (keyword == "VERT") {
             if (vertex_line_ != 0) {
@@ -226,7 +246,9 @@ private:
             take_index(value_.integer);
         } else if (keyword == "FACE") {
             for (const std::uint32_t index : value_.triangle) {
-                check_used(index);
+                if (index <= highest_corner) {
+                    check_used(index);
+                }
             }
             count(summary_.triangles, limits_.triangles, "triangles");
         } else if (keyword == "EMSH") {
@@ -319,6 +341,7 @@ private:
     std::uint32_t mesh_vertices_ = 0;
     std::vector<std::uint32_t> holes_; ///< numbers of this mesh that were left out, ascending
     std::size_t depth_ = 0;
+    std::uint64_t faces_over_holes_ = 0;
     bool ended_ = false;
     bool warned_after_end_ = false;
 };

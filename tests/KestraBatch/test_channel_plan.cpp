@@ -97,4 +97,40 @@ TEST_F(ChannelPlan, NamesAndStrengthsAreTheSettings) {
     EXPECT_EQ(weights[3], 1);
 }
 
+TEST_F(ChannelPlan, PlacedLightsGoByTheirNumbers) {
+    renderer::Scene scene = scene_with(true, false, true);
+    scene.lights.resize(5);
+    const int numbers[] = {2, 3, 6, 0, 2};
+    for (std::size_t i = 0; i < 5; ++i) {
+        scene.lights[i].channel = numbers[i];
+    }
+    scene.materials[0].is_lamp = true; // of the third light
+    scene.materials[0].light_channel = 6;
+    weights = plan_channels(read_channel_wishes(), scene, light);
+    std::string text;
+    for (const renderer::ChannelLabel& label : light.channels) {
+        text += std::to_string(label.number) + " " + label.name + "; ";
+    }
+    EXPECT_EQ(text, "0 Sun, Other lights; 2 Other lights; 3 Ceiling lights; 4 Glow; "
+                    "6 Other lights; ");
+    EXPECT_EQ(scene.lights[1].channel, 2);
+    EXPECT_EQ(scene.lights[2].channel, 4);
+    EXPECT_EQ(scene.lights[3].channel, 0);
+    EXPECT_EQ(scene.materials[0].light_channel, 4);
+    EXPECT_EQ(scene.materials[1].light_channel, 3);
+}
+
+TEST_F(ChannelPlan, MoreNumbersThanChannelsShareTheLast) {
+    renderer::Scene scene = scene_with(false, false, false);
+    scene.lights.resize(10);
+    for (std::size_t i = 0; i < 10; ++i) {
+        scene.lights[i].channel = static_cast<int>(i) * (i == 9 ? 100 : 1);
+    }
+    plan_channels(read_channel_wishes(), scene, light);
+    EXPECT_EQ(light.channels.size(), static_cast<std::size_t>(renderer::most_channels));
+    EXPECT_EQ(scene.lights[7].channel, 7);
+    EXPECT_EQ(scene.lights[8].channel, 7);
+    EXPECT_EQ(scene.lights[9].channel, 7);
+}
+
 } // namespace

@@ -4,13 +4,17 @@
 #include "KestraBatch/saved_picture.h"
 #include "omb/globals/globals.h"
 #include "platform/files.h"
+#include "platform/thread_priority.h"
 #include "tests/KestraBatch/folder_fixture.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <cstring>
 #include <iterator>
+#include <sstream>
 #include <thread>
 
 namespace {
@@ -46,8 +50,30 @@ protected:
         return {std::istreambuf_iterator<char>(in), {}};
     }
 
+    /// A picture that takes a while for each pass.
+    void slow_passes() const {
+        std::string slow =
+            with(folder.settings(), "iks_max_render_passes; 4", "iks_max_render_passes; 2");
+        slow = with(slow, "iks_resx; 64\niks_resy; 48", "iks_resx; 400\niks_resy; 300");
+        folder.write("option_globals.txt", slow);
+    }
+    static void wait_for_rendering(const RenderSession& session) {
+        for (int i = 0; i < 6000 && session.status().state < SessionState::rendering; ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
+    }
+
     BatchFolderOnDisk folder{"session"};
 };
+
+/// Share of the pixels that no light has reached.
+double black_share(const ChannelFilm& picture) {
+    const auto& light = picture.film.radiance;
+    const auto black = std::count_if(light.begin(), light.end(), [](const renderer::Rgb& c) {
+        return c.x == 0 && c.y == 0 && c.z == 0;
+    });
+    return static_cast<double>(black) / static_cast<double>(light.size());
+}
 
 bool same_light(const ChannelFilm& a, const ChannelFilm& b) {
     const auto same = [](const std::vector<renderer::Rgb>& x, const std::vector<renderer::Rgb>& y) {
@@ -165,6 +191,75 @@ TEST_F(RenderSessionTest, StoppedBeforeThereIsLightItLeavesNoPicture) {
     ASSERT_TRUE(session.wait(long_enough));
     EXPECT_EQ(session.status().state, SessionState::stopped);
     EXPECT_EQ(session.status().picture, 0u);
+}
+
+TEST_F(RenderSessionTest, StoppedInItsFirstPassItLeavesAWholePictureThatIsMarkedAsADraft) {
+    slow_passes();
+    for (const bool watched : {false, true}) {
+        RenderSession session(folder.params(), "test", 1);
+        if (watched) {
+            session.show_drafts();
+        }
+        session.start();
+        wait_for_rendering(session);
+        if (watched) {
+            wait_for_picture(session); // a draft
+        }
+        session.stop();
+        ASSERT_TRUE(session.wait(long_enough));
+        ASSERT_EQ(session.status().state, SessionState::stopped) << session.status().problem;
+        ASSERT_EQ(session.status().pass, 0) << "the passes are too short for this test";
+        const ChannelFilm kept = picture_of(session);
+        EXPECT_EQ(kept.film.passes, 0);
+        EXPECT_EQ(kept.film.width, 400);
+        EXPECT_LT(black_share(kept), 0.02) << "no gaps";
+        ASSERT_EQ(kept.channels.size(), 2u);
+        EXPECT_EQ(kept.channels[1].radiance.size(), kept.film.radiance.size());
+        EXPECT_EQ(session.status().warnings.back().code, "draft");
+
+        std::string error;
+        const auto file = folder.folder / "draft.QorImage";
+        const auto& tone = session.job().tone;
+        ASSERT_TRUE(session.save(file, session.job().weights, tone, error)) << error;
+        const auto linear = folder.folder / "draft.exr";
+        EXPECT_TRUE(session.save(linear, session.job().weights, tone, error)) << error;
+        renderer::QorImage back;
+        ASSERT_TRUE(open_saved_picture(file, back, error)) << error;
+        EXPECT_TRUE(same_light(back.picture, kept));
+        EXPECT_EQ(back.metadata.back().first, "Draft");
+        if (watched) {
+            session.add_passes(1); // from the start: there is no whole pass to go on from
+            ASSERT_TRUE(session.wait(long_enough));
+            EXPECT_EQ(session.status().state, SessionState::finished);
+            EXPECT_EQ(picture_of(session).film.passes, 1);
+        }
+    }
+}
+
+TEST_F(RenderSessionTest, WithSomebodyWhoLooksOnTheRenderGivesWay) {
+    const int before = platform::giving_way();
+    int other = 0;
+    std::thread([&] {
+        platform::give_way();
+        std::thread([&] { other = platform::giving_way(); }).join();
+    }).join();
+    EXPECT_GE(other, 10) << "threads that it starts do, too";
+    slow_passes();
+    RenderSession session(folder.params(), "test", 2);
+    session.show_drafts();
+    session.start();
+    wait_for_picture(session);
+    int giving_way = 0;
+    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
+        std::istringstream fields(text_of(task.path() / "stat"));
+        std::string field;
+        for (int i = 0; i < 19; ++i) { // the 19th is the nice value
+            fields >> field;
+        }
+        giving_way += std::atoi(field.c_str()) >= 10 ? 1 : 0;
+    }
+    EXPECT_GE(giving_way, 1);
+    EXPECT_EQ(platform::giving_way(), before) << "the owner's thread stays as it is";
 }
 
 TEST_F(RenderSessionTest, FailuresAreToldAndTheNextStartIsFresh) {

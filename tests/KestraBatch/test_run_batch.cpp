@@ -3,6 +3,7 @@
 
 #include "KestraBatch/saved_picture.h"
 #include "tests/KestraBatch/folder_fixture.h"
+#include "tests/renderer/picture_files.h"
 
 #include <gtest/gtest.h>
 
@@ -227,28 +228,47 @@ TEST(RunBatch, WhereNothingCanBeWrittenItSaysSoBeforeItRenders) {
               std::string::npos);
 }
 
+/// Asks to stop as soon as the render tells of itself.
+class Stopper : public OutputRecord {
+public:
+    Stopper(std::atomic<int>& stop, int signal)
+      : stop_(stop)
+      , signal_(signal) {}
+    void status(const std::string& text) override {
+        if (text.starts_with("rendering ")) {
+            stop_ = signal_;
+        }
+    }
+
+private:
+    std::atomic<int>& stop_;
+    int signal_;
+};
+
 TEST(RunBatch, StoppedItSavesThePictureSoFar) {
     const BatchFolderOnDisk folder("stopped");
     folder.write("option_globals.txt", with(folder.settings(), "iks_max_render_passes; 4",
                                             "iks_max_render_passes; 500000"));
     std::atomic<int> stop{0};
-    class Stopper : public OutputRecord {
-    public:
-        explicit Stopper(std::atomic<int>& stop)
-          : stop_(stop) {}
-        void status(const std::string& text) override {
-            if (text.starts_with("rendering 0 %, pass")) {
-                stop_ = 15;
-            }
-        }
-
-    private:
-        std::atomic<int>& stop_;
-    } out(stop);
+    Stopper out(stop, 15);
     BatchRun options;
     options.stop = &stop;
     EXPECT_EQ(run(folder, out, options), 143);
     EXPECT_EQ(read_picture(folder.picture()).width, 64);
+}
+
+TEST(RunBatch, InterruptedInItsFirstPassItSavesADraftAndSaysSo) {
+    const BatchFolderOnDisk folder("interrupted");
+    const std::string large =
+        with(folder.settings(), "iks_resx; 64\niks_resy; 48", "iks_resx; 400\niks_resy; 300");
+    folder.write("option_globals.txt", with(large, "out.png", "out.hdr"));
+    std::atomic<int> stop{0};
+    Stopper out(stop, 2);
+    BatchRun options;
+    options.stop = &stop;
+    EXPECT_EQ(run(folder, out, options), 130);
+    EXPECT_TRUE(std::filesystem::exists(folder.folder / "out.hdr"));
+    EXPECT_TRUE(out.has_message("before its first pass"));
 }
 
 TEST(RunBatch, StoppedBeforeItRendersItLeavesNothing) {
@@ -306,6 +326,44 @@ TEST(RunBatch, ArgumentsAreChecked) {
     EXPECT_EQ(run_batch({"--help"}, out), 0);
     EXPECT_EQ(run_batch({"/nowhere/params.txt"}, out), 3);
     EXPECT_EQ(out.errors.back(), "/nowhere/params.txt: no such file");
+}
+
+TEST(RunBatch, PlantsAndPicturesOfTheStreamAreSeen) {
+    BatchFolderOnDisk folder("plants_and_pictures");
+    const auto plants = folder.folder / "Plants", decals = folder.folder / "Decals";
+    std::filesystem::create_directories(plants);
+    std::filesystem::create_directories(decals);
+    std::ofstream(plants / "ball_def.TsPlant")
+        << "<TsPlantDef version=\"1\" Kind=\"2\" Height=\"2\" Diameter=\"3\" "
+           "TrunkHeight=\"0.1\" LeafSize=\"0.2\" FoliageDensity=\"2\" SummerColor=\"0 1 0\"/>";
+    picture_files::write_tga(decals / "quarters.tga", 64, 64,
+                             [](int x, int y) { return picture_files::quarters(x, y, 64, 64); });
+    std::ofstream(decals / "broken.png") << "no picture";
+    const std::string records =
+        "#;PLANT\nPLLB;TsPlant\nPLNM;ball_def.TsPlant\nPLLC;(-2.5,-1.8,0)\nPLRT;0\nPLSC;1\n"
+        "PLNT;1\n#;\nDEC1;(-0.9,-2,0.5)\nDEC2;(0.9,-2,0.5)\nDECW;1.8\nDECH;2\nDECN;(0,-1,0)\n"
+        "DECL;quarters.tga\n#;\nDEC1;(6,9,0)\nDEC2;(7,9,0)\nDECW;1\nDECH;1\nDECN;(0,-1,0)\n"
+        "DECL;broken.png\n#;\n";
+    folder.write("batch_file.txt", with(batch_test::box_stream(), "END;\n", records + "END;\n"));
+    OutputRecord out;
+    ASSERT_EQ(run(folder, out), 0);
+    EXPECT_FALSE(out.has_message("not rendered yet"));
+    EXPECT_TRUE(out.has_message("broken.png"));
+    const Picture picture = read_picture(folder.picture());
+    const auto brightest = [&](double x, double y) {
+        const double r = picture.mean(0, x - 0.02, y - 0.03, x + 0.02, y + 0.03);
+        const double g = picture.mean(1, x - 0.02, y - 0.03, x + 0.02, y + 0.03);
+        const double b = picture.mean(2, x - 0.02, y - 0.03, x + 0.02, y + 0.03);
+        return std::min({r, g, b}) > 0.8 * std::max({r, g, b}) ? 'w'
+               : r > g && r > b                                ? 'r'
+               : g > b                                         ? 'g'
+                                                               : 'b';
+    };
+    EXPECT_EQ(brightest(0.455, 0.40), 'r') << "the picture hangs upright, unmirrored";
+    EXPECT_EQ(brightest(0.545, 0.40), 'g');
+    EXPECT_EQ(brightest(0.455, 0.54), 'b');
+    EXPECT_EQ(brightest(0.545, 0.54), 'w');
+    EXPECT_EQ(brightest(0.25, 0.52), 'g') << "a bush before the red box";
 }
 
 } // namespace

@@ -93,6 +93,21 @@ TEST(StreamReader, NumbersMayBeLeftOut) {
     EXPECT_EQ(model.normals[3][1], 1);
 }
 
+TEST(StreamReader, FacesThatRunOverAHolesCountAreLeftOutAndTold) {
+    StreamCounter counter;
+    WarningList warnings;
+    const StreamSummary summary =
+        read_stream(with(good_stream, "FACE;0,1,2", "FACE;0,1,2\nFACE;0,1,-2\nFACE;0,-2,2"), "s",
+                    counter, warnings);
+    StreamCounter whole;
+    WarningList none;
+    read_stream(good_stream, "s", whole, none);
+    EXPECT_EQ(counter.triangles, whole.triangles);
+    EXPECT_EQ(summary.triangles, whole.triangles + 2) << "they count for the limits";
+    ASSERT_EQ(warnings.items().size(), none.items().size() + 1);
+    EXPECT_EQ(warnings.items().back().code, "stream-face-over-hole");
+}
+
 TEST(StreamReader, DamageIsAnErrorWithItsLine) {
     struct Case {
         const char* from;
@@ -109,8 +124,7 @@ TEST(StreamReader, DamageIsAnErrorWithItsLine) {
         {"VERT;(1,0, 0)", "VERT;(1,0", "s(21): VERT needs three numbers '(x,y,z)', not '(1,0'"},
         {"FACE;0,1,2", "FACE;0,1,3", "s(25): FACE uses vertex 3, but the mesh has 3"},
         {"FACE;0,1,2", "FACE;0,1", "s(25): FACE needs three vertex indices 'a,b,c', not '0,1'"},
-        {"FACE;0,1,2", "FACE;0,1,-2",
-         "s(25): FACE needs three vertex indices 'a,b,c', not '0,1,-2'"},
+        {"FACE;0,1,2", "FACE;-7,1,3", "s(25): FACE uses vertex 3, but the mesh has 3"},
         {"FACE;0,1,2", "FACE;0,1,4294967296",
          "s(25): FACE needs three vertex indices 'a,b,c', not '0,1,4294967296'"},
         {"ADDV;1", "ADDV;4", "s(22): ADDV;4 is out of order; the next is 1"},
@@ -174,17 +188,8 @@ TEST(StreamReader, WhatCanBeSurvivedIsAWarning) {
          "s(51): there is more behind 'END;'; it is not read"},
         {"END;\n", "BLOK;a\nEND;\n", "stream-block-open",
          "s(51): 1 blocks are still open at the end"},
-        {"END;\n",
-         "PLLB;TsPlant\nPLNM;oak.TsPlant\nPLLC;(1,2,3)\nPLDM;4\nPLSN;1\nPLRT;30\n"
-         "PLSC;1\nPLNT;1\nEND;\n",
-         "not-rendered", "s: 1 x plant (PLNT): not rendered yet"},
-        {"END;\n", "#;\nLTYP;2\nLORG;(1, 2, 3)\nLGHT;1\nEND;\n", "not-rendered",
-         "s: 1 x light (LGHT): not rendered yet"},
-        {"END;\n",
-         "#;\nDEC1;(0,0,0)\nDEC2;(1,1,0)\nDECW;1\nDECH;1\nDECN;(0,0,1)\nDECL;a.png\nEND;\n",
-         "not-rendered", "s: 1 x decal (DECL): not rendered yet"},
-        {"MATL;10\n", "MATL;10\nGCOR;1\nGNDC;g.TsGroundCover\n", "not-rendered",
-         "s: 1 x ground cover (GCOR): not rendered yet"},
+        {"MATL;10\n", "MATL;10\nLLIT;Lamps\n", "not-rendered",
+         "s: 1 x mesh on a light layer (LLIT): not rendered yet"},
     };
     for (const Case& c : cases) {
         WarningList warnings;

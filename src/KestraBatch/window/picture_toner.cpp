@@ -82,16 +82,14 @@ PictureToner::~PictureToner() {
     cleaner_.join();
 }
 
-void PictureToner::set_source(const cl_window_picture* source) {
-    std::unique_lock lock(mutex_);
-    request_.source = source;
-    request_.forget = true;
+void PictureToner::set_source(Source source) {
+    const std::lock_guard lock(mutex_);
     request_.look = source != nullptr;
+    request_.source = std::move(source);
+    request_.forget = true;
     ++turn_;
     clean_job_.reset();
     result_.reset();
-    idle_.wait(lock, [this] { return !busy_; });
-    result_.reset(); // the worker may have ended with a picture of the old source
     wake_.notify_all();
 }
 
@@ -127,18 +125,17 @@ void PictureToner::set_clean(bool on) {
 void PictureToner::work() {
     std::unique_lock lock(mutex_);
     while (!ending_) {
-        wake_.wait(lock, [this] { return ending_ || request_.look || request_.anew; });
+        wake_.wait(lock,
+                   [this] { return ending_ || request_.look || request_.anew || request_.forget; });
         if (ending_) {
             break;
         }
-        const Request request = request_;
+        std::optional<Request> request = request_;
         request_.look = request_.anew = request_.forget = false;
-        busy_ = true;
         lock.unlock();
-        handle(request);
+        handle(*request);
+        request.reset(); // its source may be the last hold on a picture
         lock.lock();
-        busy_ = false;
-        idle_.notify_all();
     }
 }
 
@@ -147,7 +144,7 @@ void PictureToner::handle(const Request& request) {
         known_ = 0;
         film_.reset();
     }
-    const bool newer = request.look && request.source != nullptr && take(*request.source);
+    const bool newer = request.look && request.source && take(*request.source);
     if (!film_ || !(newer || request.anew)) {
         return;
     }

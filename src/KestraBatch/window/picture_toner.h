@@ -36,8 +36,10 @@ public:
     PictureToner(const PictureToner&) = delete;
     PictureToner& operator=(const PictureToner&) = delete;
 
-    /// Another source; the one before is no longer used when this returns.
-    void set_source(const cl_window_picture* source);
+    using Source = std::shared_ptr<const cl_window_picture>;
+    /// Another source, none for null; what was toned of the one before is not shown any more. It
+    /// may be held for a moment longer: nobody waits for it.
+    void set_source(Source source);
     /// Looks for a newer picture.
     void look();
     /// Another mix or tone; with `hold_exposure` the exposure of the picture as rendered is kept.
@@ -49,7 +51,7 @@ public:
 
 private:
     struct Request {
-        const cl_window_picture* source = nullptr;
+        Source source;
         renderer::ChannelWeights weights{};
         renderer::ToneSettings tone;
         bool hold_exposure = false, clean = false;
@@ -73,11 +75,11 @@ private:
     Ready ready_;
 
     std::mutex mutex_;
-    std::condition_variable wake_, idle_, clean_wake_;
+    std::condition_variable wake_, clean_wake_;
     std::optional<CleanJob> clean_job_;
     std::uint64_t turn_ = 0; ///< raised with each request: what is cleaned for another is void
     Request request_;
-    bool busy_ = false, ending_ = false, told_ = false;
+    bool ending_ = false, told_ = false;
     std::unique_ptr<TonedPicture> result_;
 
     // The worker's own.

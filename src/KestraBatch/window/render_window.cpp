@@ -14,6 +14,8 @@
 #include <QStatusBar>
 #include <QTabWidget>
 
+#include <algorithm>
+
 namespace KestraBatch {
 
 namespace {
@@ -72,8 +74,11 @@ RenderWindow::RenderWindow(cl_window_program& program, cl_window_picture& pictur
 RenderWindow::~RenderWindow() {
     qApp->removeEventFilter(this);
     timer_.stop();
-    if (saver_.joinable()) {
-        saver_.join();
+    saves_.resize(std::min<std::size_t>(saves_.size(), 1)); // what has not begun is not wanted
+    for (std::thread* thread : {&saver_, &opener_}) {
+        if (thread->joinable()) {
+            thread->join();
+        }
     }
     toner_.reset();
 }
@@ -89,19 +94,19 @@ void RenderWindow::begin() {
     resize(place.width, place.height);
     move(place.x, place.y);
     show();
-    set_source(*picture_);
+    set_source(Opened(Opened(), picture_)); // not ours
     picture_->start();
     started_ = true;
     timer_.start();
     poll();
 }
 
-void RenderWindow::set_source(cl_window_picture& picture) {
-    picture_ = &picture;
+void RenderWindow::set_source(Opened picture) {
+    picture_ = picture.get();
     toned_ = {};
     looked_ = 0;
     end_handled_ = false;
-    model_.begin(picture.can_render(), false);
+    model_.begin(picture_->can_render(), false);
     messages_panel_->clear();
     settings_panel_->set_settings({});
     light_panel_->refresh();
@@ -109,13 +114,12 @@ void RenderWindow::set_source(cl_window_picture& picture) {
     leave_region_mode();
     view_->set_region({});
     view_->set_picture({});
-    toner_->set_source(&picture);
+    toner_->set_source(std::move(picture));
 }
 
 void RenderWindow::poll() {
     if (const int signal = program_.stop_asked(); signal != 0 && !forced_) {
         close_as_asked(signal);
-        return;
     }
     take_status();
     const SessionStatus& status = model_.status();
@@ -124,13 +128,17 @@ void RenderWindow::poll() {
         looked_ = status.picture;
         toner_->look();
     }
-    const bool all_shown = status.picture == 0 || toned_.number >= status.picture;
-    if (status.state >= SessionState::finished && all_shown && !end_handled_) {
+    if (status.state >= SessionState::finished && is_all_shown() && !end_handled_) {
         end_handled_ = true;
         on_ended();
     }
     refresh();
+    go_on_leaving();
     grab_for_documents();
+}
+
+bool RenderWindow::is_all_shown() const {
+    return model_.status().picture == 0 || toned_.number >= model_.status().picture;
 }
 
 void RenderWindow::take_status() {
@@ -192,8 +200,7 @@ void RenderWindow::on_ended() {
 
 void RenderWindow::refresh() {
     setWindowTitle(text_of(model_.title(name_.toStdString())));
-    state_->setText(saver_.joinable() ? QString::fromUtf8("Saving \u2026")
-                                      : text_of(model_.state_text()));
+    state_->setText(text_of(model_.state_text()));
     time_->setText(text_of(model_.time_text()));
     time_->setVisible(model_.can_render());
     progress_->setVisible(model_.can_render());
@@ -204,7 +211,20 @@ void RenderWindow::refresh() {
     if (!model_.has_picture()) {
         view_->set_empty_text(text_of(model_.empty_text()));
     }
+    refresh_hint();
     refresh_actions();
+}
+
+void RenderWindow::refresh_hint() {
+    const QString waiting = text_of(model_.waiting_text());
+    if (!waiting.isEmpty()) {
+        view_->set_hint(waiting);
+    } else if (opener_.joinable()) {
+        view_->set_hint(QString::fromUtf8("Opening \u2026"));
+    } else {
+        view_->set_hint(view_->region_mode() ? "Drag a rectangle: it is rendered first. Esc leaves."
+                                             : "");
+    }
 }
 
 void RenderWindow::refresh_actions() {
@@ -270,7 +290,6 @@ void RenderWindow::trigger(WindowCommand command) {
         } else {
             view_->set_region_mode(true);
             action(command).setChecked(true);
-            view_->set_hint("Drag a rectangle: it is rendered first. Esc leaves.");
         }
         break;
     case WindowCommand::clear_region:
@@ -301,7 +320,6 @@ void RenderWindow::pause_or_resume() {
 }
 
 void RenderWindow::render_again() {
-    wait_for_save();
     toner_->set_source(nullptr);
     toned_ = {};
     looked_ = 0;
@@ -309,7 +327,7 @@ void RenderWindow::render_again() {
     model_.begin(true, true);
     messages_panel_->clear();
     picture_->start();
-    toner_->set_source(picture_);
+    toner_->set_source(Opened(Opened(), picture_));
     poll();
 }
 
@@ -334,7 +352,7 @@ void RenderWindow::set_region(PictureRegion region) {
 
 void RenderWindow::leave_region_mode() {
     view_->set_region_mode(false);
-    view_->set_hint({});
+    refresh_hint();
     action(WindowCommand::region).setChecked(false);
 }
 

@@ -11,6 +11,7 @@
 #include <QString>
 #include <QTimer>
 
+#include <deque>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -47,11 +48,12 @@ public:
     /// 0, or 128 and the signal's number when a signal cut the render short.
     int exit_code() const { return exit_code_; }
 
-    /// Shows another picture from a file, after asking what to do with this one.
-    bool open_file(const std::filesystem::path& path);
-    /// Saves to all of `paths` on a thread of its own.
+    /// Reads another picture from a file on a thread of its own and shows it, after asking what to
+    /// do with this one.
+    void open_file(const std::filesystem::path& path);
+    /// Saves what is shown to all of `paths` on a thread of its own, behind what is being saved.
     void save_to(const std::vector<std::filesystem::path>& paths);
-    void wait_for_save();
+    void wait_for_save(); ///< blocks; for tests and the end
 
     WindowModel& model() { return model_; }
     PictureView& view() { return *view_; }
@@ -72,11 +74,26 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    struct SaveJob {
+        std::vector<std::filesystem::path> paths;
+        renderer::ChannelWeights weights{};
+        renderer::ToneSettings tone;
+        std::uint64_t revision = 0;
+    };
     struct SaveResult {
         std::vector<std::filesystem::path> saved;
         std::vector<std::string> problems;
         std::uint64_t revision = 0;
     };
+    /// The user, or a signal, wants this picture away; it waits for the render's stop and the save.
+    struct Leaving {
+        bool save = false;                        ///< as the answer was, and not yet begun
+        std::vector<std::filesystem::path> paths; ///< to save to
+        std::function<void()> then;
+        bool ask_again = false; ///< the question has not been asked yet
+        QElapsedTimer since;
+    };
+    using Opened = std::shared_ptr<cl_window_picture>;
 
     // window_layout.cpp
     void make_actions();
@@ -88,8 +105,9 @@ private:
     void show_about();
 
     // render_window.cpp
-    void set_source(cl_window_picture& picture);
+    void set_source(Opened picture);
     void poll();
+    bool is_all_shown() const;
     void show_toned(const TonedPicture& toned);
     void take_status();
     void take_facts();
@@ -103,35 +121,42 @@ private:
     void more_passes();
     void set_region(PictureRegion region);
     void leave_region_mode();
+    void refresh_hint();
     void escape();
 
     // window_files.cpp
     void save();
     void save_as();
     std::filesystem::path choose_save_name();
-    void finish_save();
+    void start_save();
+    void finish_save(int number);
+    void show_opened(const Opened& opened);
     void open_with_dialog();
     void copy_picture();
     void copy_name();
     void keep_settings();
-    bool may_leave();
+    bool leave(std::function<void()> then);
+    bool leave_as_answered(const CloseQuestion& question, const CloseAnswer& answer,
+                           std::function<void()> then);
+    void wait_to_leave(Leaving leaving);
+    void go_on_leaving();
+    void tell_why_it_stays();
     CloseAnswer ask_close_question(const CloseQuestion& question);
     void close_as_asked(int signal);
     void remember_place();
-    bool save_and_wait(const std::vector<std::filesystem::path>& paths);
     void grab_for_documents();
 
     void tell(const QString& text, bool trouble);
 
     cl_window_program& program_;
     cl_window_picture* picture_;
-    std::unique_ptr<cl_window_picture> opened_; ///< picture_, when it came from a file
+    Opened opened_; ///< picture_, when it came from a file
     QString name_, version_;
     WindowMemory memory_;
     WindowModel model_;
     TonedPicture toned_;
     std::uint64_t looked_ = 0;
-    bool end_handled_ = false, forced_ = false, started_ = false;
+    bool end_handled_ = false, forced_ = false, started_ = false, may_close_ = false;
     bool without_grain_ = true; ///< finished pictures are shown as they are saved
     int exit_code_ = 0;
     QTimer timer_;
@@ -149,8 +174,12 @@ private:
            *zoom_ = nullptr;
     QProgressBar* progress_ = nullptr;
 
-    std::thread saver_;
+    std::thread saver_, opener_;
+    std::deque<SaveJob> saves_;             ///< the first is under way
     std::optional<SaveResult> save_result_; ///< written by saver_, read when it has ended
+    int save_number_ = 0;                   ///< of the newest of the saver's threads
+    std::string save_problem_;              ///< of the last save; empty when it went well
+    std::optional<Leaving> leaving_;
     std::unique_ptr<PictureToner> toner_;
 };
 

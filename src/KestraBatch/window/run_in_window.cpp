@@ -3,17 +3,15 @@
 
 #include "KestraBatch/saved_picture.h"
 #include "KestraBatch/window/session_picture.h"
-#include "omb/base/profile.h"
+#include "KestraBatch/window/window_program.h"
 #include "omb/base/trace.h"
 #include "omb/globals/catalogue.h"
 #include "omb/globals/globals.h"
 #include "omb/globals/option_globals.h"
 #include "platform/files.h"
 #include "platform/module.h"
-#include "renderer/denoise.h"
 
 #include <exception>
-#include <stdexcept>
 
 namespace KestraBatch {
 
@@ -21,98 +19,6 @@ namespace {
 
 constexpr const char* program_name = "Qorvane";
 constexpr const char* module_name = "kestra_batch_window.so";
-constexpr int factory_width = 640, factory_height = 480; ///< of iks_dialog_wd and iks_dialog_ht
-
-/// The place that the settings hold; at the factory values nobody has placed the window yet.
-WindowMemory memory_from_globals() {
-    WindowMemory memory;
-    memory.x = get_global_int("iks_dialog_x", false);
-    memory.y = get_global_int("iks_dialog_y", false);
-    memory.width = get_global_int("iks_dialog_wd", false);
-    memory.height = get_global_int("iks_dialog_ht", false);
-    if (memory.x == 0 && memory.y == 0 && memory.width == factory_width &&
-        memory.height == factory_height) {
-        memory.width = memory.height = 0;
-    }
-    const std::filesystem::path last = get_global_string("sks_last_jpeg_file", false);
-    memory.save_folder = get_global_string("sks_save_image_folder", false);
-    if (last.has_extension()) {
-        memory.save_extension = last.extension().string().substr(1);
-    }
-    memory.ask_at_closing = get_global_bool("bks_show_close_batch_warning", false);
-    memory.brighten = get_global_bool("bks_allow_lighting_channels_to_brighten_image", false);
-    return memory;
-}
-
-void memory_into_globals(const WindowMemory& memory) {
-    set_global_int("iks_dialog_x", memory.x);
-    set_global_int("iks_dialog_y", memory.y);
-    set_global_int("iks_dialog_wd", memory.width);
-    set_global_int("iks_dialog_ht", memory.height);
-    set_global_bool("bks_show_close_batch_warning", memory.ask_at_closing);
-    set_global_bool("bks_allow_lighting_channels_to_brighten_image", memory.brighten);
-    if (!memory.save_folder.empty()) {
-        set_global_string("sks_save_image_folder", memory.save_folder);
-        const std::filesystem::path folder = memory.save_folder;
-        set_global_string("sks_last_jpeg_file",
-                          (folder / ("picture." + memory.save_extension)).string());
-    }
-}
-
-class WindowProgram : public cl_window_program {
-public:
-    WindowProgram(const BatchRun& run, WindowMemory memory)
-      : run_(run)
-      , memory_(std::move(memory)) {}
-
-    std::unique_ptr<cl_window_picture> open_image(const std::filesystem::path& path,
-                                                  std::string& error) override {
-        try {
-            return std::make_unique<FilePicture>(path);
-        } catch (const std::exception& problem) {
-            error = problem.what();
-            return nullptr;
-        }
-    }
-    renderer::DisplayImage tone(const renderer::ChannelFilm& picture,
-                                const renderer::ChannelWeights& weights,
-                                const renderer::ToneSettings& tone) override {
-        return renderer::mix_and_tone(picture, weights, tone);
-    }
-    renderer::DisplayImage tone_clean(const renderer::ChannelFilm& picture,
-                                      const renderer::ChannelWeights& weights,
-                                      const renderer::ToneSettings& tone) override {
-        renderer::Film film = renderer::mix(picture, weights);
-        try {
-            renderer::denoise(film);
-        } catch (const std::invalid_argument&) {
-            return {}; // an opened picture without the buffers for it stays as it is
-        }
-        return renderer::tone_map(film, tone);
-    }
-    double exposure_of(const renderer::Film& film) override {
-        return renderer::automatic_exposure(film);
-    }
-    int stop_asked() override {
-        if (run_.take_messages) {
-            run_.take_messages();
-        }
-        return run_.stop != nullptr ? run_.stop->load() : 0;
-    }
-    WindowMemory memory() override { return memory_; }
-
-    /// Only now is the user's profile opened for writing: the settings of the folder that was
-    /// rendered are the drawing's, and nothing of them goes into the profile.
-    void remember(const WindowMemory& memory) override {
-        open_user_profile(profile_use::read_and_write);
-        const cl_profile_bulk bulk;
-        memory_into_globals(memory);
-    }
-
-private:
-    const BatchRun& run_;
-    WindowMemory memory_;
-};
 
 /// Whether the folder's settings leave the window open; a file that cannot be read is left to the
 /// run itself, which has the words for it.

@@ -109,10 +109,12 @@ ChannelChoice SessionPicture::channel_choice(std::size_t,
 bool SessionPicture::save(const std::filesystem::path& path,
                           const renderer::ChannelWeights& weights,
                           const renderer::ToneSettings& tone, std::string& error) {
-    if (!session_.save(path, weights, tone, error)) {
+    const bool good = session_.save(path, weights, tone, error);
+    const std::lock_guard lock(saved_mutex_);
+    save_problem_ = good ? "" : error;
+    if (!good) {
         return false;
     }
-    const std::lock_guard lock(saved_mutex_);
     const std::string name = path.string();
     if (std::find(saved_.begin(), saved_.end(), name) == saved_.end()) {
         saved_.push_back(name);
@@ -134,6 +136,11 @@ int SessionPicture::end(int window_code) {
     if (last.state == SessionState::failed && window_code == 0) {
         code = last.code == ExitCode::done ? ExitCode::failed : last.code;
         problem = last.problem;
+    }
+    const std::lock_guard lock(saved_mutex_);
+    if (window_code != 0 && !save_problem_.empty()) { // nobody was there to choose another name
+        code = ExitCode::output_unwritable;
+        problem = save_problem_;
     }
     progress_.end(code, problem, saved_);
     return static_cast<int>(code);

@@ -42,6 +42,7 @@ private:
     std::size_t told_warnings_ = 0;
     std::mutex saved_mutex_; ///< pictures are saved on the window's own thread
     std::vector<std::string> saved_;
+    std::string save_problem_; ///< of the last save; empty when it went well
     std::size_t told_saved_ = 0;
 };
 

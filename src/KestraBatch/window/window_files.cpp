@@ -12,7 +12,6 @@
 #include <QPushButton>
 #include <QStatusBar>
 
-#include <chrono>
 #include <system_error>
 #include <thread>
 
@@ -21,8 +20,7 @@ namespace KestraBatch {
 namespace {
 
 /// A render stops within a tile; one that does not is not waited for longer than this.
-constexpr std::chrono::milliseconds stop_slice{10};
-constexpr int most_stop_slices = 1000;
+constexpr int longest_stop_ms = 10'000;
 
 /// Pictures for documents wait as long for the grain to go.
 constexpr int longest_cleaning_ms = 60'000;
@@ -95,16 +93,24 @@ std::filesystem::path RenderWindow::choose_save_name() {
 }
 
 void RenderWindow::save_to(const std::vector<std::filesystem::path>& paths) {
-    wait_for_save();
-    const std::uint64_t revision = model_.revision();
-    const auto weights = model_.weights();
-    const auto tone = model_.tone(memory_.brighten ? 0 : toned_.exposure);
-    saver_ = std::thread([this, paths, weights, tone, revision, picture = picture_] {
+    saves_.push_back({paths, model_.weights(), model_.tone(memory_.brighten ? 0 : toned_.exposure),
+                      model_.revision()});
+    if (saves_.size() == 1) {
+        start_save();
+    }
+}
+
+/// The first of saves_, on a thread of its own.
+void RenderWindow::start_save() {
+    const SaveJob job = saves_.front();
+    model_.set_saving(job.paths.front().filename().string());
+    save_problem_.clear();
+    saver_ = std::thread([this, job, picture = picture_, number = ++save_number_] {
         SaveResult result;
-        result.revision = revision;
-        for (const auto& path : paths) {
+        result.revision = job.revision;
+        for (const auto& path : job.paths) {
             std::string problem;
-            if (picture->save(path, weights, tone, problem)) {
+            if (picture->save(path, job.weights, job.tone, problem)) {
                 result.saved.push_back(path);
             } else {
                 result.problems.push_back(problem);
@@ -112,21 +118,26 @@ void RenderWindow::save_to(const std::vector<std::filesystem::path>& paths) {
         }
         save_result_ = std::move(result);
         QMetaObject::invokeMethod(
-            this, [this] { finish_save(); }, Qt::QueuedConnection);
+            this, [this, number] { finish_save(number); }, Qt::QueuedConnection);
     });
     refresh();
 }
 
-void RenderWindow::wait_for_save() { finish_save(); }
+void RenderWindow::wait_for_save() {
+    while (saver_.joinable()) {
+        finish_save(save_number_);
+    }
+}
 
-/// Called when the thread has ended, or to wait for it.
-void RenderWindow::finish_save() {
-    if (!saver_.joinable()) {
+/// Called when that thread ends, or to wait for it.
+void RenderWindow::finish_save(int number) {
+    if (number != save_number_ || !saver_.joinable()) {
         return; // somebody waited for it already
     }
     saver_.join();
     const SaveResult result = std::move(save_result_).value_or(SaveResult{});
     save_result_.reset();
+    saves_.pop_front();
     for (const auto& path : result.saved) {
         tell("Saved as " + text_of(path), false);
     }
@@ -134,34 +145,44 @@ void RenderWindow::finish_save() {
         model_.mark_saved(result.saved.front(), result.revision);
     }
     for (const std::string& problem : result.problems) {
+        save_problem_ += (save_problem_.empty() ? "" : "\n") + problem;
         tell(text_of(problem), true);
     }
+    model_.set_saving("");
+    if (!saves_.empty()) {
+        start_save();
+    }
     refresh();
+    go_on_leaving();
 }
 
-bool RenderWindow::save_and_wait(const std::vector<std::filesystem::path>& paths) {
-    save_to(paths);
-    wait_for_save();
-    return model_.is_saved();
+void RenderWindow::open_file(const std::filesystem::path& path) {
+    if (opener_.joinable()) {
+        return; // one after the other
+    }
+    opener_ = std::thread([this, path] {
+        std::string problem;
+        const Opened opened = program_.open_image(path, problem);
+        const auto show = [this, opened, problem] {
+            opener_.join();
+            refresh_hint();
+            if (!opened) {
+                QMessageBox::warning(this, "Open", text_of(problem));
+            } else if (leave([this, opened] { show_opened(opened); })) {
+                show_opened(opened);
+            }
+        };
+        QMetaObject::invokeMethod(this, show, Qt::QueuedConnection);
+    });
+    refresh_hint();
 }
 
-bool RenderWindow::open_file(const std::filesystem::path& path) {
-    std::string problem;
-    std::unique_ptr<cl_window_picture> opened = program_.open_image(path, problem);
-    if (!opened) {
-        QMessageBox::warning(this, "Open", text_of(problem));
-        return false;
-    }
-    if (!may_leave()) {
-        return false;
-    }
+void RenderWindow::show_opened(const Opened& opened) {
     picture_->stop();
-    toner_->set_source(nullptr); // before the picture that it reads may go
-    set_source(*opened);
-    opened_ = std::move(opened);
+    set_source(opened);
+    opened_ = opened;
     picture_->start();
     poll();
-    return true;
 }
 
 void RenderWindow::open_with_dialog() {
@@ -221,23 +242,37 @@ CloseAnswer RenderWindow::ask_close_question(const CloseQuestion& question) {
     return answer;
 }
 
-/// True when the picture may go: saved, not wanted, or nothing would be lost.
-bool RenderWindow::may_leave() {
-    wait_for_save();
+/// True when the picture may go at once: it is saved, not wanted, or nothing would be lost. When it
+/// is to be saved first, `then` is called as soon as it is; never, when it stays.
+bool RenderWindow::leave(std::function<void()> then) {
+    if (leaving_) {
+        return false; // somebody waits already
+    }
+    if (model_.is_saving()) {
+        wait_to_leave({false, {}, std::move(then), true, {}});
+        return false;
+    }
     const CloseQuestion question = model_.close_question();
     if (forced_ || !question.is_asked()) {
         return true;
     }
-    if (!memory_.ask_at_closing) {
-        return !question.save || model_.facts().outputs.empty() ||
-               save_and_wait(model_.facts().outputs);
+    if (memory_.ask_at_closing) {
+        return leave_as_answered(question, ask_at_closing(question), std::move(then));
     }
-    const CloseAnswer answer = ask_at_closing(question);
-    if (forced_ || answer.kind == CloseAnswer::discard) {
+    if (!question.save || model_.facts().outputs.empty()) {
         return true;
     }
-    if (answer.kind == CloseAnswer::cancel) {
-        return false;
+    wait_to_leave({true, model_.facts().outputs, std::move(then), false, {}});
+    return false;
+}
+
+bool RenderWindow::leave_as_answered(const CloseQuestion& question, const CloseAnswer& answer,
+                                     std::function<void()> then) {
+    if (forced_ || leaving_) {
+        return false; // a signal came while it was asked, and is obeyed
+    }
+    if (answer.kind != CloseAnswer::yes) {
+        return answer.kind == CloseAnswer::discard;
     }
     if (question.keep && (answer.keep_settings || !question.save)) {
         keep_settings();
@@ -253,37 +288,93 @@ bool RenderWindow::may_leave() {
     if (paths.empty()) {
         paths = {ask_save_name()};
     }
-    return !paths.front().empty() && save_and_wait(paths);
+    if (!paths.front().empty() && !forced_) {
+        wait_to_leave({true, std::move(paths), std::move(then), false, {}});
+    }
+    return false;
+}
+
+void RenderWindow::wait_to_leave(Leaving leaving) {
+    if (leaving.save) {
+        picture_->stop();
+    }
+    leaving_ = std::move(leaving);
+    leaving_->since.start();
+    model_.set_leaving(true);
+    refresh();
+}
+
+/// Called again and again while somebody waits: saves as soon as the render has stopped, and goes
+/// as soon as that is done.
+void RenderWindow::go_on_leaving() {
+    if (!leaving_ || model_.is_saving()) {
+        return;
+    }
+    const bool stopped = !model_.is_running() && is_all_shown();
+    if (leaving_->save && !stopped && leaving_->since.elapsed() < longest_stop_ms) {
+        return;
+    }
+    if (leaving_->save) {
+        leaving_->save = false;
+        if (forced_) { // known only now that it has stopped
+            leaving_->paths = model_.facts().outputs;
+        }
+        const bool needless = forced_ && (model_.is_saved() || model_.status().picture == 0);
+        if (!needless && !leaving_->paths.empty()) {
+            save_to(leaving_->paths);
+            return;
+        }
+    }
+    const Leaving left = *std::move(leaving_);
+    leaving_.reset();
+    model_.set_leaving(false);
+    refresh();
+    const bool saved = model_.is_saved() && save_problem_.empty();
+    const bool goes = forced_ || (saved && !left.ask_again);
+    if (!goes && !save_problem_.empty() && !left.ask_again) {
+        tell_why_it_stays();
+    } else if (goes || leave(left.then)) { // else the question is due, or something was changed
+        left.then();
+    }
+}
+
+void RenderWindow::tell_why_it_stays() {
+    auto* box = new QMessageBox(QMessageBox::Warning, name_,
+                                "The picture was not saved, so the window stays open.",
+                                QMessageBox::Close, this);
+    box->setInformativeText(text_of(save_problem_));
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open(); // nobody waits for it
 }
 
 /// As the user would close it, but nobody is there to be asked: what can be saved is saved.
 void RenderWindow::close_as_asked(int signal) {
     take_status();
-    const bool cut_short = model_.is_running();
+    exit_code_ = model_.is_running() ? 128 + signal : 0;
     forced_ = true;
-    wait_for_save();
-    picture_->stop();
-    for (int i = 0; model_.is_running() && i < most_stop_slices; ++i) {
-        std::this_thread::sleep_for(stop_slice);
-        take_status();
-    }
-    const SessionStatus& status = model_.status();
-    const bool newer = status.picture > toned_.number; // light that was never shown
-    if (status.picture > 0 && (newer || !model_.is_saved()) && !model_.facts().outputs.empty() &&
-        !save_and_wait(model_.facts().outputs)) {
-        OMB_TRACE(1, "The picture could not be saved at closing");
-    }
-    exit_code_ = cut_short ? 128 + signal : 0;
+    leaving_.reset(); // the user's own way out is overtaken
+    wait_to_leave({true,
+                   {},
+                   [this] {
+                       may_close_ = true;
+                       close();
+                   },
+                   false,
+                   {}});
     while (QWidget* box = QApplication::activeModalWidget()) {
         if (!box->close()) {
             break;
         }
     }
-    close();
 }
 
 void RenderWindow::closeEvent(QCloseEvent* event) {
-    if (!may_leave()) {
+    const auto later = [this] {
+        may_close_ = true;
+        close();
+    };
+    // a signal may come, and be obeyed, while the user is asked
+    if (!may_close_ && !leave(later) && !may_close_) {
         event->ignore();
         return;
     }
@@ -309,8 +400,9 @@ void RenderWindow::remember_place() {
     program_.remember(memory_);
 }
 
+/// Other files are taken as well, to be refused in words.
 void RenderWindow::dragEnterEvent(QDragEnterEvent* event) {
-    if (!dropped_image(event->mimeData()).empty()) {
+    if (event->mimeData()->hasUrls()) {
         event->acceptProposedAction();
     }
 }
@@ -320,24 +412,32 @@ void RenderWindow::dropEvent(QDropEvent* event) {
     if (!path.empty()) {
         event->acceptProposedAction();
         open_file(path);
+        return;
     }
+    event->ignore();
+    const QList<QUrl> urls = event->mimeData()->urls();
+    tell((urls.empty() ? QString("This") : urls.front().fileName()) +
+             " cannot be opened here: only a .QorImage can.",
+         true);
 }
 
 /// QORVANE_WINDOW_GRAB=FILE.png: a picture of the window with the finished render, and the end.
 void RenderWindow::grab_for_documents() {
     const QString file = qEnvironmentVariable("QORVANE_WINDOW_GRAB");
     const bool clean = toned_.clean || !without_grain_ || !model_.has_picture();
-    if (file.isEmpty() || forced_ || !end_handled_ ||
+    if (file.isEmpty() || may_close_ || !end_handled_ ||
         (!clean && ended_since_.elapsed() < longest_cleaning_ms)) {
         return;
     }
-    wait_for_save();
+    if (model_.is_saving()) {
+        return;
+    }
     refresh();
     statusBar()->clearMessage();
     if (!grab().save(file)) {
         OMB_TRACE(1, "The window's picture cannot be written: %s", file.toStdString());
     }
-    forced_ = true;
+    may_close_ = true;
     close();
 }
 

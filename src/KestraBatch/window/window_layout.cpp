@@ -249,11 +249,16 @@ void RenderWindow::make_bars() {
 
 void RenderWindow::show_help() {
     QString rows;
-    for (const ActionRow& row : action_table) {
-        const QString key = row.command == WindowCommand::stop ? "Esc" : row.key;
+    const auto add = [&rows](const QString& key, const QString& does) {
         rows += QString("<tr><td style='padding-right:16px'><b>%1</b></td><td>%2</td></tr>")
-                    .arg(key, QString(row.tip).remove(" (Esc)"));
+                    .arg(key, does);
+    };
+    for (const ActionRow& row : action_table) {
+        add(row.command == WindowCommand::stop ? "Esc" : row.key,
+            QString(row.tip).remove(" (Esc)"));
     }
+    add("+ and -", "Zooms in and out; the arrow keys move the picture");
+    add("F9", "Hides and shows the pages at the right");
     QMessageBox box(
         QMessageBox::NoIcon, "Keys and mouse",
         "<p>The <b>wheel</b> zooms about the cursor, <b>dragging</b> moves the picture, "

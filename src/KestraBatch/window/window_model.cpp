@@ -247,7 +247,7 @@ bool WindowModel::is_enabled(WindowCommand command) const {
     case WindowCommand::stop:
         return can_render_ && is_running();
     case WindowCommand::again:
-        return can_render_ && !is_running();
+        return can_render_ && !is_running() && !is_saving() && !leaving_;
     case WindowCommand::more_passes:
         return can_render_ && has_facts_ && status_.state != SessionState::failed &&
                status_.passes < endless_passes;

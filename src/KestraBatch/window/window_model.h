@@ -91,6 +91,12 @@ public:
     void mark_saved(const std::filesystem::path& path, std::uint64_t revision);
     const std::filesystem::path& last_saved() const { return last_saved_; }
 
+    /// While a picture is being written; `name` is its file's, empty for not any more.
+    void set_saving(const std::string& name) { saving_ = name; }
+    bool is_saving() const { return !saving_.empty(); }
+    /// The window closes, or shows another picture, as soon as this one is saved.
+    void set_leaving(bool leaving) { leaving_ = leaving; }
+
     const SessionStatus& status() const { return status_; }
     const PictureFacts& facts() const { return facts_; }
     bool has_facts() const { return has_facts_; }
@@ -109,13 +115,16 @@ public:
     int progress() const; ///< 0 to 1000; -1: busy without a number
     /// What stands in the view while there is no picture.
     std::string empty_text() const;
+    /// What is laid over the picture: why the user has to wait; empty for nothing.
+    std::string waiting_text() const;
     CloseQuestion close_question() const;
 
 private:
     void show_rendered(const renderer::ToneSettings& tone);
     void touch() { ++revision_; }
 
-    bool can_render_ = false, has_facts_ = false, tone_set_ = false;
+    bool can_render_ = false, has_facts_ = false, tone_set_ = false, leaving_ = false;
+    std::string saving_;
     PictureFacts facts_;
     SessionStatus status_;
     PictureRegion region_;

@@ -35,7 +35,8 @@ struct PictureFacts {
 };
 
 /// The picture that the window shows: a render that grows, or one that was opened from a file.
-/// Called from the window's thread, but for take_picture, which its toning thread calls.
+/// Called from the window's thread, but for take_picture, which its toning thread calls, and save,
+/// which has a thread of its own.
 class cl_window_picture {
 public:
     virtual ~cl_window_picture() = default;
@@ -74,12 +75,12 @@ struct WindowMemory {
     bool brighten = true; ///< exposure follows the channels' mix
 };
 
-/// The program's services. Called from the window's thread, but for tone, tone_clean and
-/// exposure_of, which threads of its own call.
+/// The program's services. Called from the window's thread, but for open_image, tone, tone_clean
+/// and exposure_of, which threads of its own call.
 class cl_window_program {
 public:
     virtual ~cl_window_program() = default;
-    /// Opens a `.QorImage`; null with `error` in words.
+    /// Opens a `.QorImage`; null with `error` in words. Throws nothing.
     virtual std::unique_ptr<cl_window_picture> open_image(const std::filesystem::path& path,
                                                           std::string& error) = 0;
     virtual renderer::DisplayImage tone(const renderer::ChannelFilm& picture,

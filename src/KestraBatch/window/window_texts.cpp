@@ -85,6 +85,9 @@ std::string WindowModel::title(const std::string& program) const {
 }
 
 std::string WindowModel::state_text() const {
+    if (is_saving()) {
+        return "Saving \u2026";
+    }
     switch (status_.state) {
     case SessionState::reading:
         return "Reading the drawing's files";
@@ -97,7 +100,9 @@ std::string WindowModel::state_text() const {
     case SessionState::finished:
         return can_render_ ? "Finished" : "Opened from a file";
     case SessionState::stopped:
-        return has_picture() ? "Stopped, the picture so far is kept" : "Stopped";
+        return !has_picture()      ? "Stopped"
+               : status_.pass == 0 ? "Stopped, a draft is kept"
+                                   : "Stopped, the picture so far is kept";
     case SessionState::failed:
         return "The render failed";
     }
@@ -124,6 +129,9 @@ std::string WindowModel::time_text() const {
 }
 
 int WindowModel::progress() const {
+    if (is_saving() && !is_running()) {
+        return -1;
+    }
     switch (status_.state) {
     case SessionState::reading:
     case SessionState::building:
@@ -143,6 +151,14 @@ std::string WindowModel::empty_text() const {
         return "There is no picture.";
     }
     return state_text() + " \u2026";
+}
+
+std::string WindowModel::waiting_text() const {
+    if (!leaving_) {
+        return "";
+    }
+    return is_saving() ? "Saving " + saving_ + " before closing \u2026"
+                       : "Stopping the render \u2026";
 }
 
 CloseQuestion WindowModel::close_question() const {

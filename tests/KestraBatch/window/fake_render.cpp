@@ -217,6 +217,7 @@ ChannelChoice FakePicture::channel_choice(std::size_t,
 
 bool FakePicture::save(const std::filesystem::path& path, const renderer::ChannelWeights& weights,
                        const renderer::ToneSettings& tone, std::string& error) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(save_ms));
     if (!save_problem.empty()) {
         error = save_problem;
         return false;

@@ -52,7 +52,8 @@ public:
     renderer::ChannelWeights saved_weights{};
     renderer::ToneSettings saved_tone, kept_tone;
     std::vector<KestraBatch::ChannelChoice> kept_channels;
-    std::string save_problem; ///< makes every save fail
+    std::string save_problem;     ///< makes every save fail
+    std::atomic<int> save_ms = 0; ///< each save takes as long
     int starts = 0;
 
 private:
