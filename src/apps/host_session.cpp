@@ -2,6 +2,7 @@
 #include "apps/host_session.h"
 
 #include "apps/exit_codes.h"
+#include "apps/picture_loader.h"
 #include "host/rx/module.h"
 #include "platform/files.h"
 
@@ -94,6 +95,7 @@ HostSession::HostSession(const std::string& drawing)
         [](const std::string& text, const std::string& title) {
             acedAlert(title.empty() ? text : title + ": " + text);
         }));
+    lend_picture_loader();
     auto database = std::make_unique<AcDbDatabase>(false);
     std::string error;
     const Acad::ErrorStatus status =

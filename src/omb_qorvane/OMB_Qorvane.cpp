@@ -9,6 +9,7 @@
 #include "omb_qorvane/batch_calls.h"
 #include "omb_qorvane/command_table.h"
 #include "omb_qorvane/sample_classes.h"
+#include "omb_qorvane/sample_commands.h"
 #include "omb_qorvane/ts_ac_world_draw.h"
 
 namespace {
@@ -16,6 +17,7 @@ namespace {
 bool used = false; ///< a command has run since the start
 std::unique_ptr<AsdkCommandReactor> command_reactor;
 std::unique_ptr<MyDocumentReactor> document_reactor;
+std::unique_ptr<MyHostAppServices> services;
 
 void add_reactors() {
     command_reactor = std::make_unique<AsdkCommandReactor>();
@@ -33,9 +35,9 @@ void remove_reactors() {
     document_reactor.reset();
 }
 
-void add_commands(std::span<const cl_command_row> rows) {
+void add_commands(const char* group, std::span<const cl_command_row> rows) {
     for (const cl_command_row& row : rows) {
-        acedRegCmds().addCommand(command_group, row.global_name, row.local_name, command_flags,
+        acedRegCmds().addCommand(group, row.global_name, row.local_name, command_flags,
                                  row.function);
     }
 }
@@ -80,15 +82,20 @@ void start_omb_qorvane(const std::string& module_folder) {
     theApp_instance = std::make_unique<cl_omb_qorvane_app>(module_folder);
     register_draw_classes();
     MyClass::rxInit();
-    add_commands(hand_added_commands());
-    add_commands(command_table());
+    services = std::make_unique<MyHostAppServices>();
+    acdbSetHostApplicationServices(services.get());
+    add_commands(command_group, hand_added_commands());
+    add_commands(command_group, command_table());
+    add_commands(sample_group, sample_commands());
     add_reactors();
     theApp().refresh_document();
 }
 
 void stop_omb_qorvane() {
     acedRegCmds().removeGroup(command_group);
+    acedRegCmds().removeGroup(sample_group);
     remove_reactors();
+    services.reset();
     MyClass::rxRemove();
     theApp_instance.reset();
     StopTsAcToolkit();

@@ -8,3 +8,8 @@
 /// not taken over yet. A material that takes its colour from what wears it comes out grey and says
 /// so in m_UsesObjectColor.
 CTsMaterial OMB_AcMaterialToTsMaterial(const AcDbMaterial& material);
+
+/// The name of a material of the toolkit's in streams and file names.
+inline std::string toolkit_material_name(const CTsMaterial& material) {
+    return "Tessara-" + material.m_Name;
+}

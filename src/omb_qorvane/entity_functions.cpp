@@ -30,46 +30,6 @@ bool TsAcIsValidEntity(const AcDbEntity& entity, CTsAcCommonDraw& draw) {
     return !layer.frozen && !layer.off && entity.visibility() == AcDb::kVisible;
 }
 
-void TsAcObjectProperties(const AcDbEntity& entity, CTsAcSubEntityTraits& traits) {
-    // The older extended data and the toolkit's property record give flags and texture mapping,
-    // which the stream does not carry; they, and decals, are not read yet.
-    traits.setMapper(entity.mapper());
-}
-
-bool find_ground_cover(const AcDbEntity& entity, CTsAcCommonDraw& draw) {
-    // Only the toolkit's own class makes such covers; without it no dictionary is looked into.
-    const AcDbObjectId id =
-        draw.toolkit_has_covers ? entity.extensionDictionary() : AcDbObjectId::kNull;
-    if (id.isNull()) {
-        return false;
-    }
-    const AcDbObjectPointer<AcDbDictionary> dictionary(id);
-    const bool found = dictionary && (dictionary->has("TsAcGroundcover") ||
-                                      dictionary->has("TsAcGroundcoverInstance"));
-    draw.report.ground_covers += found ? 1 : 0;
-    return found;
-}
-
-bool TsAcIsPlant(const AcDbEntity& entity, CTsAcCommonDraw& draw) {
-    return draw.tsdoc.IsPlant(entity) && draw.tsdoc.GetGroupId(entity) < 0;
-}
-
-bool write_asuni_plant(const AcDbEntity&, CTsAcCommonDraw&) { return false; }
-
-void write_library_plant(const AcDbEntity&, CTsAcCommonDraw& draw) { ++draw.report.plants; }
-
-void write_host_light(const AcGiDrawable&, CTsAcCommonDraw& draw) { ++draw.report.lights; }
-
-void TsAcProcessNewLightInfo(const AcDbEntity& entity, CTsAcCommonDraw& draw) {
-    draw.report.lights += draw.tsdoc.IsLight(entity) ? 1 : 0;
-}
-
-void TsAcGroundCover(const AcDbEntity& entity, CTsAcCommonDraw& draw) {
-    draw.report.ground_covers += draw.tsdoc.IsGroundcover(entity) != 0 ? 1 : 0;
-}
-
-void write_image_decal(const AcGiDrawable&, CTsAcCommonDraw& draw) { ++draw.report.image_decals; }
-
 bool TsAcIsRPC(AcDbEntity& entity, const cl_class_facts& facts, CTsAcCommonDraw& draw) {
     if (!facts.rpc_object) {
         return facts.rpc_guide;
@@ -81,10 +41,10 @@ bool TsAcIsRPC(AcDbEntity& entity, const cl_class_facts& facts, CTsAcCommonDraw&
     }
     draw.in_rpc_draw = true;
     const int result = draw.rpc.viewport_draw(
-        &entity, reinterpret_cast<AcGiViewportDraw*>(draw.viewport_draw), nullptr);
+        &entity, reinterpret_cast<AcGiViewportDraw*>(draw.viewport_draw), draw.tsdoc.Document());
     draw.in_rpc_draw = false;
     if ((result & 4) != 0) {
-        OMB_TRACE(0, "RPC object marks the document: %d", result);
+        draw.tsdoc.m_RpcMark = true;
     }
     return true;
 }

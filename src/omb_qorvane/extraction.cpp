@@ -143,12 +143,13 @@ void cl_omb_export::write_material_list() {
         material_names.set(row, name);
     };
     for (std::size_t row = 0; row < rows.size(); ++row) {
-        const std::string& name = document.m_Materials[row].m_Name;
-        AcDbObjectId toolkit_object;
-        if (rows[row].isValid() && document.GetTsAcMaterial(rows[row], toolkit_object)) {
-            write_row(row, "Tessara-" + name);
+        if (!rows[row].isValid()) {
+            continue;
         }
-        if (rows[row].isValid() && !name.empty()) {
+        if (const CTsMaterial* toolkit = document.ToolkitMaterial(rows[row])) {
+            write_row(row, toolkit_material_name(*toolkit));
+        }
+        if (const std::string& name = document.m_Materials[row].m_Name; !name.empty()) {
             write_row(row, name);
         }
     }
@@ -160,6 +161,7 @@ void cl_omb_export::begin_walk(extraction& run, TsAcCallback callback, void* cal
     run.document.SetCallback(callback, callback_data);
     run.document.m_ObjectIndex = run.document.m_ObjectCount = 0;
     run.document.m_Abort = false;
+    run.document.m_RpcMark = false;
     run.document.ClearTransforms();
 }
 
@@ -226,6 +228,9 @@ void cl_omb_export::walk(extraction& run) {
 }
 
 void cl_omb_export::end_walk(extraction& run) {
+    if (run.common->rpc.begin != nullptr && run.common->rpc.end != nullptr) {
+        run.common->rpc.end();
+    }
     run.common->report.faces = stream.face_count() - run.faces_before;
     last_face_count = static_cast<std::int64_t>(run.common->report.faces);
     if (!scan_only) {

@@ -10,15 +10,10 @@ std::string cl_extraction_report::text() const {
         const char* what;
         const char* fate;
     };
-    static constexpr const char* later = "not rendered yet";
     static constexpr const char* dropped = "left out";
-    const std::array<row, 10> rows{{
-        {lights, "light", later},
-        {plants, "plant", later},
-        {rpc_objects, "RPC object", later},
-        {ground_covers, "ground cover", later},
-        {image_decals, "raster image", later},
-        {object_decals, "decal", later},
+    const std::array<row, 6> rows{{
+        {rpc_objects, "RPC object", "its plug-in is not loaded"},
+        {missing_images, "raster image without a picture that can be read", dropped},
         {bad_primitives, "primitive with coordinates that are no numbers", dropped},
         {bad_faces, "face that names no vertex of its shell", dropped},
         {no_layer, "entity whose layer cannot be read", dropped},

@@ -6,6 +6,7 @@
 #include "omb/globals/catalogue.h"
 #include "omb/globals/globals.h"
 #include "omb_qorvane/driver.h"
+#include "omb_qorvane/plant_module.h"
 #include "omb_qorvane/the_app.h"
 
 #include <algorithm>
@@ -86,17 +87,17 @@ std::string ask_for_code() {
     return result == RTNORM && !trimmed.empty() ? trimmed : last;
 }
 
-bool asuni_module_is_loaded() {
+} // namespace
+
+std::string loaded_plant_module() {
     const std::vector<std::string> loaded = acrxLoadedApps();
     for (const char* name : {"lands19x.arx", "lands18x.arx", "lands17x.arx"}) {
         if (std::find(loaded.begin(), loaded.end(), name) != loaded.end()) {
-            return true;
+            return name;
         }
     }
-    return false;
+    return {};
 }
-
-} // namespace
 
 void green_button_command() {
     static constexpr const char* title = "Cannot Render view";
@@ -170,7 +171,7 @@ int run_green_button(std::string code, std::string defaults) {
         do_message_box(code, "Unknown Green Button code");
         return 1;
     }
-    if (number == GREEN_BUTTON_ASUNI && !asuni_module_is_loaded()) {
+    if (number == GREEN_BUTTON_ASUNI && loaded_plant_module().empty()) {
         do_message_box("Could not find Asuni Module.", "qor Rendering Error");
         return 0;
     }

@@ -3,9 +3,9 @@
 
 #include "host/db/symbol_tables.h"
 #include "host/gs/view.h"
-#include "omb/base/folders.h"
 #include "omb/base/trace.h"
 #include "omb/globals/globals.h"
+#include "omb_qorvane/background_images.h"
 #include "omb_qorvane/the_app.h"
 
 #include <algorithm>
@@ -35,14 +35,6 @@ picture_size size_to_aspect(int width, int height, const cl_ts_view& view) {
                                    static_cast<double>(most))));
     }
     return {width, std::max(height, 1)};
-}
-
-/// The pictures that a batch window shows behind what it has not rendered yet.
-void make_background_images() {
-    for (const char* name : {"OMB_Batch_alpha_image.png", "OMB_Batch_wireframe_image.png"}) {
-        OMB_TRACE(1, "The background image is not there yet: %s",
-                  join_path(get_temporary_directory(), name));
-    }
 }
 
 } // namespace
@@ -78,7 +70,6 @@ bool init_omb_qorvane(int code) {
         !get_view_from_drawing()) {
         return false;
     }
-    make_background_images();
     if (code != GREEN_BUTTON_DELTA) {
         exporter.read_options_globals_file();
     }
@@ -89,6 +80,7 @@ bool init_omb_qorvane(int code) {
     set_global_int("iks_resy", size.height);
     set_global_int("iks_skp_resx", size.width);
     set_global_int("iks_skp_resy", size.height);
+    make_background_images(size.width, size.height);
     exporter.write_globals_to_OMB_QorvaneDictionary();
     return true;
 }

@@ -10,6 +10,7 @@ void read_sun_from_host();
 bool get_view_from_drawing();
 
 /// Brings a drawing's settings and its batch folder up to date for a picture of the view:
-/// parameter files, picture size by the view's aspect, the drawing's dictionary. `code` is that of
-/// the CAD program; with DeltaCADD's the settings are not read. False without document or view.
+/// parameter files, picture size by the view's aspect, background pictures, the drawing's
+/// dictionary. `code` is that of the CAD program; with DeltaCADD's the settings are not read. False
+/// without document or view.
 bool init_omb_qorvane(int code);

@@ -1,5 +1,7 @@
 // What stands ahead of the vertices of a mesh, and what ends it.
 #include "host/db/dictionary.h"
+#include "omb_qorvane/ac_material.h"
+#include "omb_qorvane/entity_functions.h"
 #include "omb_qorvane/omb_export.h"
 #include "omb_qorvane/record_text.h"
 #include "omb_qorvane/ts_ac_gi_geometry.h"
@@ -45,20 +47,21 @@ std::string_view CTsAcGiGeometry::mapping_key() {
     return layer.readable ? std::string_view(layer.key) : std::string_view();
 }
 
-const std::string& CTsAcGiGeometry::effective_material_name() {
+void CTsAcGiGeometry::find_effective_material() {
     const AcDbObjectId id = common_.resolution.effective_material(*common_.traits);
     if (!last_material_valid_ || id.stub() != last_material_) {
         last_material_ = id.stub();
         last_material_valid_ = true;
         material_name_.clear();
-        AcDbObjectId toolkit_object;
-        if (!common_.tsdoc.GetTsAcMaterial(id, toolkit_object) && id.isValid()) {
+        if (const CTsMaterial* toolkit = common_.tsdoc.ToolkitMaterial(id)) {
+            material_name_ = toolkit_material_name(*toolkit);
+        } else if (id.isValid()) {
             const AcDbObjectPointer<AcDbMaterial> material(id);
             material_name_ = material ? material->name() : std::string();
         }
         material_lines_ = fmt::sprintf("#;MATL: %s\n", record_name(material_name_));
+        material_index_ = common_.exporter.material_names.index_of(material_name_);
     }
-    return material_name_;
 }
 
 void CTsAcGiGeometry::write_key_lines() {
@@ -98,7 +101,7 @@ void CTsAcGiGeometry::note_host_materials() {
 
 void CTsAcGiGeometry::write_material_lines(bool shell) {
     const CTsAcSubEntityTraits& traits = *common_.traits;
-    const std::string& name = effective_material_name();
+    find_effective_material();
     note_host_materials();
     cl_layer_facts& layer = common_.layers.find(traits.layer_id);
     if (traits.has_own_color()) {
@@ -119,11 +122,11 @@ void CTsAcGiGeometry::write_material_lines(bool shell) {
             out_.text("\n");
         }
     }
-    out_.integer("MATL;", common_.exporter.material_names.index_of(name));
+    out_.integer("MATL;", material_index_);
 }
 
 void CTsAcGiGeometry::add_object_properties() {
-    CTsAcSubEntityTraits& traits = *common_.traits;
+    CTsAcSubEntityTraits& traits = *common_.traits; // its decals have been written
     std::uint32_t flags = 0; // nothing sets a flag; the renderer would accept the five below
     traits.m_Flags = 0;
     if (traits.light_number >= 0) {
@@ -138,6 +141,9 @@ void CTsAcGiGeometry::add_object_properties() {
             out_.integer(flag_words[bit], 1);
         }
     }
+    if (traits.ground_cover != nullptr) {
+        write_ground_cover(*traits.ground_cover, common_);
+    }
 }
 
 bool CTsAcGiGeometry::begin_mesh(std::string_view comment, bool own_texture_coordinates) {
@@ -145,6 +151,7 @@ bool CTsAcGiGeometry::begin_mesh(std::string_view comment, bool own_texture_coor
         return false;
     }
     transform();
+    write_object_decals(common_); // ahead of the whole preamble
     out_.text(comment);
     out_.text("\nMESH;\n");
     out_.text(own_texture_coordinates ? "MPUV;1\n" : "MPUV;0\n");
@@ -171,6 +178,7 @@ bool CTsAcGiGeometry::begin_shell(bool own_texture_coordinates) {
     common_.stack.start_new_block_if_nec(out_);
     out_.text("#;NEW MESH;\nMESH;\n#;ACAD SHELL;\nCULL;0\n");
     out_.text(own_texture_coordinates ? "MPUV;1\n" : "MPUV;0\n");
+    write_object_decals(common_);
     add_object_properties();
     write_material_lines(true);
     if (common_.entity_handle != 0) {

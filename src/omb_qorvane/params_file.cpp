@@ -5,6 +5,7 @@
 #include "omb/base/trace.h"
 #include "omb/globals/catalogue.h"
 #include "omb/globals/globals.h"
+#include "omb_qorvane/ac_material.h"
 #include "omb_qorvane/record_text.h"
 #include "omb_qorvane/the_app.h"
 
@@ -147,17 +148,16 @@ void cl_omb_export::write_material_files(CTsAcDoc& document) {
     int written = 0;
     for (std::size_t row = 0; row < document.MaterialRows().size(); ++row) {
         const AcDbObjectId id = document.MaterialRows()[row];
-        const CTsMaterial& material = document.m_Materials[row];
-        AcDbObjectId toolkit_object;
         const bool asuni_limit =
             green_button_app == GREEN_BUTTON_ASUNI && written >= most_asuni_materials;
-        if (!id.isValid() || material.m_Name.empty()) {
+        if (!id.isValid()) {
             continue;
         }
-        if (document.GetTsAcMaterial(id, toolkit_object) && !asuni_limit) {
-            written += write_material_file(material, "Tessara-" + material.m_Name) ? 1 : 0;
-        } else {
-            write_material_file(material, material.m_Name);
+        const CTsMaterial* toolkit = document.ToolkitMaterial(id);
+        if (toolkit != nullptr && !asuni_limit) {
+            written += write_material_file(*toolkit, toolkit_material_name(*toolkit)) ? 1 : 0;
+        } else if (const AcDbObjectPointer<AcDbMaterial> own(id); own) {
+            write_material_file(OMB_AcMaterialToTsMaterial(*own), own->name());
         }
     }
 }

@@ -10,8 +10,15 @@ bool CTsAcGiGeometry::shell(std::uint32_t count, const AcGePoint3d* points,
     if (count < 3 || points == nullptr) {
         return false;
     }
-    const std::span<const AcGePoint3d> all(points, count);
-    if (drop_if_bad(all)) {
+    const cl_stream_transform& to_stream = transform();
+    world_points_.resize(count);
+    bool good = true;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        world_points_[i] = to_stream.to_ts(points[i]);
+        good = is_finite(world_points_[i]) && good; // false for a bad point or transform
+    }
+    if (!good) {
+        drop_bad();
         return true;
     }
     const AcGeVector3d* normals = vertices != nullptr ? vertices->normals : nullptr;
@@ -29,7 +36,7 @@ bool CTsAcGiGeometry::shell(std::uint32_t count, const AcGePoint3d* points,
         } else {
             out_.text("UVQ;(0,0,0)\n");
         }
-        write_point(transform_.to_ts(points[i]));
+        write_point(world_points_[i]);
         out_.add_vertex(static_cast<std::int32_t>(i));
     }
     const std::span<const std::int32_t> list(face_list, face_list != nullptr ? face_list_size : 0);
@@ -39,8 +46,9 @@ bool CTsAcGiGeometry::shell(std::uint32_t count, const AcGePoint3d* points,
             out_.text("#;Need Triangulator\n");
         }
         for_each_fan_triangle(face.entries, [&](std::int32_t a, std::int32_t b, std::int32_t c) {
+            // Below 0 is the count of a hole, over which a fan runs; readers know such faces.
             const auto in_range = [count](std::int32_t i) {
-                return i >= 0 && static_cast<std::uint32_t>(i) < count;
+                return i < 0 || static_cast<std::uint32_t>(i) < count;
             };
             if (!in_range(a) || !in_range(b) || !in_range(c)) {
                 ++common_.report.bad_faces;

@@ -36,10 +36,3 @@ cl_stream_transform cl_stream_transform::make(const AcGeMatrix3d& model_to_world
     out.rotation_line = fmt::sprintf("BROT;%g\n", rotation_about_z(model_to_world));
     return out;
 }
-
-bool is_finite(const AcGePoint3d& p) {
-    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
-}
-bool is_finite(const AcGeVector3d& v) {
-    return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
-}

@@ -3,6 +3,7 @@
 
 #include "host/ge/ge.h"
 
+#include <cmath>
 #include <string>
 
 /// A copy of what the document's ToTs does, without a call per point.
@@ -34,5 +35,9 @@ struct cl_stream_transform {
 /// when that axis is upright, of its Y axis less a quarter turn. 0 when neither tells.
 double rotation_about_z(const AcGeMatrix3d& transform);
 
-bool is_finite(const AcGePoint3d& p);
-bool is_finite(const AcGeVector3d& v);
+inline bool is_finite(const AcGePoint3d& p) {
+    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
+inline bool is_finite(const AcGeVector3d& v) {
+    return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
+}

@@ -4,6 +4,7 @@
 #include "host/ed/ed.h"
 #include "host/rx/module.h"
 #include "omb/base/trace.h"
+#include "omb_qorvane/plant_module.h"
 #include "omb_qorvane/ts_ac_gi_geometry.h"
 
 #include <algorithm>
@@ -34,9 +35,18 @@ void cl_rpc_functions::find_and_begin() {
 }
 
 namespace {
+
 cl_resolution make_resolution(cl_layer_cache& layers, const AcDbDatabase& database) {
     return {layers, database.layerZero(), database.byLayerMaterial(), database.byBlockMaterial()};
 }
+
+cl_plant_function find_save_plant() {
+    const std::string module = loaded_plant_module();
+    return module.empty()
+               ? nullptr
+               : reinterpret_cast<cl_plant_function>(acrxGetModuleSymbol(module, "OMB_SavePlant"));
+}
+
 } // namespace
 
 CTsAcCommonDraw::CTsAcCommonDraw(cl_omb_export& exporter_, CTsAcDoc& document,
@@ -46,7 +56,7 @@ CTsAcCommonDraw::CTsAcCommonDraw(cl_omb_export& exporter_, CTsAcDoc& document,
   , stream(stream_)
   , scan_only(scan)
   , scan_for_layer_dialog(scan_for_dialog)
-  , toolkit_has_covers(acrxFindClass("CTsAcPlant") != nullptr)
+  , save_plant(find_save_plant())
   , resolution(make_resolution(layers, *document.Database())) {}
 
 AcGiRegenType CTsAcCommonDraw::regenType() const {

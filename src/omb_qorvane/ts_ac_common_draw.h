@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <string>
 
+class AcDbBlockReference;
 class cl_omb_export;
 class CTsAcGiGeometry;
 class CTsAcWorldDraw;
@@ -34,6 +35,10 @@ struct cl_rpc_functions {
     /// Looks for the plug-in among the loaded modules and announces an extraction to it.
     void find_and_begin();
 };
+
+/// Writes a plant of the optional module: the plant's file, its definition's. 1 when it is one.
+using cl_plant_function = int (*)(AcDbBlockReference* plant, const char* plant_path,
+                                  const char* definition_path);
 
 class CTsAcCommonDraw : public AcGiCommonDraw {
     ACRX_DECLARE_MEMBERS(CTsAcCommonDraw)
@@ -66,7 +71,7 @@ public:
     cl_rpc_functions rpc;
     bool in_rpc_draw = false;
     bool special_class = false;
-    bool toolkit_has_covers; ///< the class of ground covers is in the host's dictionary
+    cl_plant_function save_plant; ///< of the optional plant module, null without it
 
     // The current entity.
     std::uint64_t entity_handle = 0;

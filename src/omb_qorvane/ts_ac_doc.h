@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 class AcDbEntity;
@@ -23,18 +24,23 @@ public:
     void TakeHostUnits();
 
     /// The table's rows: all materials of the drawing in dictionary order. m_Materials has the
-    /// converted material of each row, nameless where the host's cannot be opened.
+    /// converted material of each row, nameless where the host's cannot be opened or is the holder
+    /// of a toolkit material.
     void BuildTsAcMatTable();
     const std::vector<AcDbObjectId>& MaterialRows() const { return rows_; }
-    /// The object that holds the toolkit material attached to a host material. Drawings of this
-    /// host hold none, so the answer is always false.
+    /// The object that holds the toolkit material of a host material, which may be the host
+    /// material itself. False when there is none that can be read.
     bool GetTsAcMaterial(AcDbObjectId material, AcDbObjectId& object) const;
+    /// The toolkit material of a host material; null without one.
+    const CTsMaterial* ToolkitMaterial(AcDbObjectId material) const;
 
-    // What the toolkit knows of an entity; without plants, lamps and covers: nothing.
-    bool IsPlant(const AcDbEntity&) const { return false; }
-    bool IsLight(const AcDbEntity&) const { return false; }
-    int IsGroundcover(const AcDbEntity&) const { return 0; }
-    int GetGroupId(const AcDbEntity&) const { return -1; }
+    // What the toolkit knows of an entity.
+    bool IsPlant(const AcDbEntity& entity) const;
+    bool IsLight(const AcDbEntity& entity) const;
+    /// 0 none, 1 a plant record that is a cover, 2 a cover of its own or one that it refers to.
+    int IsGroundcover(const AcDbEntity& entity) const;
+    /// Number of the first group that the entity is in, -1 without one.
+    int GetGroupId(const AcDbEntity& entity) const;
 
     using CTsDoc::PushTransform;
     void PushTransform(const AcGeMatrix3d& model_to_parent);
@@ -46,11 +52,13 @@ public:
         callback_ = callback;
         callback_data_ = data;
     }
+    bool m_RpcMark = false; ///< an object of the RPC plug-in asked for it in this walk
     void FreeObjectBuffer() { m_ObjectIndex = m_ObjectCount = 0; }
 
 private:
     AcApDocument* document_;
     std::vector<AcDbObjectId> rows_;
+    std::unordered_map<AcDbStub*, CTsMaterial> toolkit_materials_;
     TsAcCallback callback_ = nullptr;
     void* callback_data_ = nullptr;
 };

@@ -9,6 +9,7 @@
 
 #include <span>
 #include <string_view>
+#include <vector>
 
 struct cl_class_facts;
 
@@ -95,7 +96,8 @@ private:
     /// Tells the exporter of a material that the object has beside its layer's.
     void note_host_materials();
     std::string_view mapping_key();
-    const std::string& effective_material_name();
+    /// Name, index and comment of the material that counts, kept until another one counts.
+    void find_effective_material();
     /// True, and counted, when a coordinate is no finite number: the primitive is then dropped.
     bool drop_if_bad(std::span<const AcGePoint3d> points);
     void drop_bad();
@@ -120,4 +122,6 @@ private:
     AcDbStub* last_material_ = nullptr; ///< whose name and index stand below
     bool last_material_valid_ = false;
     std::string material_name_, material_lines_;
+    int material_index_ = 0;                ///< of the name, in the stream
+    std::vector<AcGePoint3d> world_points_; ///< of the shell that is written
 };

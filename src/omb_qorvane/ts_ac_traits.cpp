@@ -9,9 +9,21 @@
 ACRX_NO_CONS_DEFINE_MEMBERS(CTsAcSubEntityTraits, AcGiDrawableTraits)
 
 CTsAcSubEntityTraits& CTsAcSubEntityTraits::operator=(const CTsAcSubEntityTraits& other) {
-    if (this == &other) {
-        return *this;
+    if (this != &other) {
+        copy_all_but_mapping(other);
+        mapping = other.mapping;
     }
+    return *this;
+}
+
+CTsAcSubEntityTraits::CTsAcSubEntityTraits(const nested& in)
+  : AcGiDrawableTraits(in.enclosing) {
+    copy_all_but_mapping(in.enclosing);
+    object_scale = 1;
+    parent = &in.enclosing;
+}
+
+void CTsAcSubEntityTraits::copy_all_but_mapping(const CTsAcSubEntityTraits& other) {
     color_method = other.color_method;
     color_index = other.color_index;
     true_color = other.true_color;
@@ -26,13 +38,14 @@ CTsAcSubEntityTraits& CTsAcSubEntityTraits::operator=(const CTsAcSubEntityTraits
     channel = other.channel;
     object_scale = other.object_scale;
     marker = other.marker;
-    mapping = other.mapping;
-    decals = other.decals;
+    if (!other.decals.empty() || !decals.empty()) {
+        decals = other.decals;
+    }
     ground_cover = other.ground_cover;
     common_draw = other.common_draw;
     deviation_ = other.deviation_;
     deviation_entity = other.deviation_entity;
-    return *this;
+    deviation_scale = other.deviation_scale;
 }
 
 void CTsAcSubEntityTraits::setColor(std::uint16_t index) {
@@ -88,7 +101,7 @@ double CTsAcSubEntityTraits::deviation() const {
         return deviation_;
     }
     double value = 0;
-    if (TsAcDeviation(*deviation_entity, facet_scale, object_scale, value)) {
+    if (TsAcDeviation(*deviation_entity, facet_scale, deviation_scale, value)) {
         deviation_ = value;
     } else if (parent != nullptr) {
         deviation_ = parent->deviation();

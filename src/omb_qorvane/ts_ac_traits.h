@@ -4,9 +4,10 @@
 #include "host/db/entity.h"
 #include "host/gi/gi.h"
 #include "omb/base/math.h"
+#include "omb_qorvane/ts_ac_decals.h"
+#include "toolkit/ts_plant.h"
 
 #include <memory>
-#include <vector>
 
 class CTsAcCommonDraw;
 
@@ -16,10 +17,6 @@ struct CTsMapping {
     AcGeMatrix3d m_Matrix;
     double m_Scale = 1;
 };
-
-/// A decal that hangs on an entity. None are loaded yet.
-struct CTsDecal {};
-using CTsAcDecalList = std::vector<CTsDecal>;
 
 class CTsAcSubEntityTraits : public AcGiDrawableTraits {
     ACRX_DECLARE_MEMBERS(CTsAcSubEntityTraits)
@@ -33,6 +30,12 @@ public:
       : AcGiDrawableTraits(other) {
         *this = other;
     }
+    /// Traits for a drawable inside `enclosing`, which must outlive them: its values, with a fresh
+    /// mapping and an object scale of 1.
+    struct nested {
+        const CTsAcSubEntityTraits& enclosing;
+    };
+    explicit CTsAcSubEntityTraits(const nested& in);
     /// Everything but `parent`; decals are copied.
     CTsAcSubEntityTraits& operator=(const CTsAcSubEntityTraits& other);
 
@@ -55,7 +58,11 @@ public:
     /// Chord error in drawing units. It is worked out when first asked for: see TsAcDeviation.
     double deviation() const;
     void set_deviation(double value);
-    void set_deviation_from(const AcDbEntity* entity) { deviation_entity = entity; }
+    /// The scale that counts is the one that the object has now.
+    void set_deviation_from(const AcDbEntity* entity) {
+        deviation_entity = entity;
+        deviation_scale = object_scale;
+    }
 
     /// The entity's colour is its own: not by layer or by block.
     bool has_own_color() const {
@@ -77,14 +84,16 @@ public:
     std::intptr_t marker = 0;
     CTsMapping mapping;
     CTsAcDecalList decals;
-    const void* ground_cover = nullptr; ///< none are loaded yet
+    std::shared_ptr<const CTsPlant> ground_cover; ///< with a cover's definition
     CTsAcCommonDraw* common_draw = nullptr;
     const CTsAcSubEntityTraits* parent = nullptr; ///< of the enclosing drawable, null at the top
 
 private:
+    void copy_all_but_mapping(const CTsAcSubEntityTraits& other);
     double thickness_ = 0; ///< extrusion length, drawing units
     mutable double deviation_ = 0.01;
     mutable const AcDbEntity* deviation_entity = nullptr; ///< not yet asked for its size
+    float deviation_scale = 1;
 };
 
 /// Chord error from an entity's size: the second-largest of its three sizes times 0.005 times

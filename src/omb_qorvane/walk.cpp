@@ -13,10 +13,7 @@ bool CTsAcGiGeometry::draw(AcGiDrawable* drawable) {
     CTsAcSubEntityTraits* const enclosing = common_.traits;
     const std::uint64_t enclosing_handle = common_.entity_handle;
     const bool enclosing_special = common_.special_class;
-    CTsAcSubEntityTraits own(*enclosing);
-    own.mapping = CTsMapping();
-    own.object_scale = 1;
-    own.parent = enclosing;
+    CTsAcSubEntityTraits own(CTsAcSubEntityTraits::nested{*enclosing});
     common_.traits = &own;
     try {
         draw_with_traits(*drawable, own);
@@ -47,7 +44,6 @@ void CTsAcGiGeometry::draw_with_traits(AcGiDrawable& drawable, CTsAcSubEntityTra
     if (facts.entity) {
         entity = static_cast<AcDbEntity*>(&drawable);
         common_.entity_handle = entity->getAcDbHandle().value();
-        find_ground_cover(*entity, common_);
     }
     bool pushed = false;
     if (facts.block_reference &&
@@ -87,7 +83,8 @@ void CTsAcGiGeometry::push_table_record_row(const AcDbBlockTableRecord& block, b
 void CTsAcGiGeometry::draw_entity(AcGiDrawable& drawable, const AcDbEntity* entity,
                                   const cl_class_facts& facts, bool& pushed) {
     if (entity != nullptr) {
-        if (write_asuni_plant(*entity, common_) || !TsAcIsValidEntity(*entity, common_)) {
+        if (write_asuni_plant(static_cast<AcDbEntity&>(drawable), common_) ||
+            !TsAcIsValidEntity(*entity, common_)) {
             return;
         }
         common_.traits->set_deviation_from(entity);

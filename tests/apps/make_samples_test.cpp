@@ -1,6 +1,7 @@
 // The sample generator: its bodies are closed and face outwards, walls lose exactly their openings,
 // and the drawings in samples/ are what it writes.
 #include "apps/make_samples/building.h"
+#include "apps/make_samples/everything.h"
 #include "apps/make_samples/samples.h"
 #include "host/db/block_reference.h"
 #include "host/db/database.h"
@@ -176,6 +177,23 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"room.dxf", build_room, "Room", 15000, 150000},
                     Case{"tower.dxf", build_tower, "Tower", 200000, 1000000}),
     [](const testing::TestParamInfo<Case>& info) { return std::string(info.param.view); });
+
+TEST(Everything, RepositoryHoldsWhatIsWritten) {
+    const auto folder = std::filesystem::path(QORVANE_BUILD_DIR) / "make_samples_test";
+    std::filesystem::create_directories(folder);
+    Drawing drawing;
+    build_everything(drawing);
+    std::string error;
+    ASSERT_TRUE(drawing.write(folder / "everything.dxf", error)) << error;
+    ASSERT_TRUE(write_everything_files(folder, error)) << error;
+    for (const char* name : {"everything.dxf", "everything_downlight.ies"}) {
+        EXPECT_TRUE(bytes_of(folder / name) ==
+                    bytes_of(std::filesystem::path(QORVANE_SOURCE_DIR) / "samples" / name))
+            << name << " differs: run make_samples samples";
+    }
+    // Another release of the picture library may pack the same pixels into other bytes.
+    EXPECT_FALSE(bytes_of(folder / "everything_picture.png").empty());
+}
 
 } // namespace
 } // namespace make_samples

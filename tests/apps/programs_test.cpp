@@ -172,6 +172,23 @@ struct BadInput {
     const char* words;
 };
 
+TEST_F(Programs, APictureThatLiesBesideTheDrawingIsReadAndSaved) {
+    const fs::path samples = fs::path(QORVANE_SOURCE_DIR) / "samples";
+    std::string drawing = read(samples / "everything.dxf");
+    const std::string stored = ".\\everything_picture.png", lost = "X:\\lost\\scan.png";
+    const std::size_t at = drawing.find(stored);
+    ASSERT_NE(at, drawing.npos);
+    drawing.replace(at, stored.size(), lost);
+    write("drawing.dxf", drawing);
+    fs::copy_file(samples / "everything_picture.png", folder_ / "scan.png");
+    ASSERT_EQ(run({"extract", "drawing.dxf", "--batch-folder", "one"}).code, 0);
+    const auto picture = OIIO::ImageInput::open((folder_ / "one/Decals/DECAL - scan.png").string());
+    ASSERT_NE(picture, nullptr);
+    EXPECT_EQ(picture->spec().width, 300);
+    EXPECT_NE(read(folder_ / "one/batch_file.txt").find("DECL;DECAL - scan.png\n"),
+              std::string::npos);
+}
+
 TEST_F(Programs, BadInputsGiveOneClearLineAndTheirCode) {
     const BadInput cases[] = {
         {"empty.dxf", "", 3, "empty"},

@@ -1,163 +1,131 @@
-// The readers of parameter and view files.
+// The reader of parameter files.
 #include "stream_checker.h"
 
-#include <cmath>
-#include <regex>
+#include <algorithm>
+#include <iterator>
 
 namespace checker {
 namespace {
 
-std::vector<std::string> lines_of(std::string_view text) {
-    std::vector<std::string> lines;
-    while (!text.empty()) {
-        const std::size_t end = text.find('\n');
-        lines.emplace_back(text.substr(0, end));
-        text.remove_prefix(end == text.npos ? text.size() : end + 1);
-    }
-    return lines;
-}
+/// What the first three lines say for one start.
+struct start_words {
+    std::string_view comment, application, calling_app;
+};
+constexpr start_words starts[] = {
+    {"Tessara Qor", "Qorvane for AutoCAD", "QRAC"},
+    {"Dumibro", "Dumibro", "QRAC_ASUNI"},
+    {"DeltaCADD", "DeltaCADD", "QRAC_DELTACADD"},
+    {"GBCAD", "GBCAD", "QRAC_GBCAD"},
+    {"ZWCAD", "ZWCAD Render", "QRAC_ZWCAD"},
+    {"BricsCAD", "Qorvane for BricsCAD", "QRAC_BRICS"},
+};
 
-/// Compares line by line with patterns; one that ends in "*" may match any number of lines.
-std::vector<std::string> compare(const std::vector<std::string>& lines,
-                                 const std::vector<std::string>& patterns) {
-    std::vector<std::string> faults;
-    std::size_t at = 0;
-    for (std::string pattern : patterns) {
-        const bool many = pattern.starts_with("~");
-        const std::regex form(many ? pattern.substr(1) : pattern);
-        bool any = many;
-        while (at < lines.size() && std::regex_match(lines[at], form)) {
-            any = true;
-            ++at;
-            if (!many) {
-                break;
+constexpr const char* files_of_the_folder[] = {"BATCH_GEOM_FILE;.\\batch_file.txt",
+                                               "VIEW_FILE;.\\qor_view.txt",
+                                               "LIGHT_FOLDER;.\\QorBatch_Lights",
+                                               "MATERIAL_FOLDER;.\\Materials",
+                                               "GLOBALS_FILE;.\\option_globals.txt",
+                                               "DOC_FILE;.\\qor_doc.xml",
+                                               "PROPS_FILE;.\\qor_props.txt",
+                                               "TS3MATS_FILE;.\\qor_ts3mats.txt",
+                                               "RPC_FOLDER;.\\rpcs"};
+
+class params_reader {
+public:
+    explicit params_reader(std::string_view text)
+      : in_(text, faults_) {
+        in_.context("the parameter file");
+    }
+    std::vector<std::string> read() {
+        try {
+            who();
+            what();
+            where();
+            if (!in_.at_end()) {
+                in_.skip();
+                in_.require(false, "the parameter file has nothing behind its last key");
             }
+        } catch (const lost_place&) { // noted; the order of the lines is the file's whole form
         }
-        if (!any) {
-            faults.push_back("line " + std::to_string(at + 1) + ": wanted " + pattern + ", found " +
-                             (at < lines.size() ? lines[at] : "the end"));
-            return faults;
+        return std::move(faults_);
+    }
+
+private:
+    std::string key(const std::string& name) { return in_.rest("*@KEY:" + name + ";"); }
+    void literal(const std::string& key_and_value) { in_.exact("*@KEY:" + key_and_value); }
+
+    void who() {
+        const std::string comment = in_.rest("#;");
+        const auto* const start =
+            std::find_if(std::begin(starts), std::end(starts), [&](const start_words& row) {
+                return comment == std::string(row.comment) + " Rendering parameters";
+            });
+        if (start == std::end(starts)) {
+            in_.lose("the first line names no program");
+        }
+        in_.require(key("APPLICATION_NAME") == start->application,
+                    "the first line and APPLICATION_NAME are of two programs");
+        in_.require(key("CALLING_APP") == start->calling_app,
+                    "the first line and CALLING_APP are of two programs");
+        const std::string version = key("VERSION");
+        in_.require(version == "GreenButton" ||
+                        (version == "OEM" && start->calling_app == "QRAC_DELTACADD"),
+                    "VERSION is GreenButton, or OEM for DeltaCADD");
+    }
+    void what() {
+        in_.require(!key("APPLICATION_FOLDER").empty(), "no folder of the program");
+        literal("MATERIAL_MAPS;.\\Materials\\qor_matl_map.csv");
+        literal("VERSION_INFO;1.1");
+        const std::string name = key("MODEL_NAME"), path = key("MODEL_PATH");
+        const std::string file = path.substr(path.find_last_of("/\\") + 1);
+        in_.require(name == (file.empty() ? "Untitled" : file),
+                    "MODEL_NAME is not the file of MODEL_PATH");
+        literal("UUID;UUID not set");
+        for (const char* line : files_of_the_folder) {
+            literal(line);
         }
     }
-    if (at < lines.size()) {
-        faults.push_back("line " + std::to_string(at + 1) + ": too much: " + lines[at]);
+    void where() {
+        in_.exact("#; Other Qor Batch settings;");
+        literal("DBUNIT;1");
+        const bool has_handle = in_.at("*@KEY:HWND;");
+        if (has_handle) {
+            in_.require(in_.integer("*@KEY:HWND;") != 0, "a window without handle has no HWND");
+        }
+        if (has_handle || in_.at("*@KEY:WTITLE;")) {
+            key("WTITLE");
+        }
+        in_.exact("#;");
+        in_.exact("#;");
+        const std::string support = key("SupportFolder");
+        in_.require(!support.empty() && support.back() != '\\',
+                    "the first SupportFolder is there and ends in no backslash");
+        while (in_.at("*@KEY:SupportFolder;")) {
+            in_.require(!key("SupportFolder").empty(), "a SupportFolder without a folder");
+        }
+        in_.exact("#;");
+        literal("GLOBAL;bks_qorvane_mode;0");
+        literal("GLOBAL;bks_kestra_qor_mode;1");
     }
-    return faults;
-}
+
+    std::vector<std::string> faults_;
+    text_reader in_;
+};
 
 } // namespace
 
 std::vector<std::string> check_params(std::string_view text,
                                       std::map<std::string, std::string>& values) {
-    const std::vector<std::string> lines = lines_of(text);
-    for (const std::string& line : lines) {
+    std::vector<std::string> ignored;
+    for (text_reader lines(text, ignored); !lines.at_end(); lines.skip()) {
+        const std::string line(lines.peek());
         const std::size_t semicolon = line.find(';');
         if (line.starts_with("*@KEY:") && semicolon != line.npos) {
             std::string& value = values[line.substr(6, semicolon - 6)];
             value += (value.empty() ? "" : "|") + line.substr(semicolon + 1);
         }
     }
-    const auto key = [](const std::string& name, const std::string& value) {
-        return "\\*@KEY:" + name + ";" + value;
-    };
-    return compare(lines,
-                   {"#;(Tessara Qor|Dumibro|DeltaCADD|GBCAD|ZWCAD|BricsCAD) Rendering parameters",
-                    key("APPLICATION_NAME",
-                        "(Qorvane for (Auto|Brics)CAD|Dumibro|DeltaCADD|GBCAD|ZWCAD Render)"),
-                    key("CALLING_APP", "QRAC(_(ASUNI|DELTACADD|GBCAD|ZWCAD|BRICS))?"),
-                    key("VERSION", "(GreenButton|OEM)"),
-                    key("APPLICATION_FOLDER", ".+"),
-                    key("MATERIAL_MAPS", "\\.\\\\Materials\\\\qor_matl_map\\.csv"),
-                    key("VERSION_INFO", "1\\.1"),
-                    key("MODEL_NAME", ".+"),
-                    key("MODEL_PATH", ".*"),
-                    key("UUID", "UUID not set"),
-                    key("BATCH_GEOM_FILE", "\\.\\\\batch_file\\.txt"),
-                    key("VIEW_FILE", "\\.\\\\qor_view\\.txt"),
-                    key("LIGHT_FOLDER", "\\.\\\\QorBatch_Lights"),
-                    key("MATERIAL_FOLDER", "\\.\\\\Materials"),
-                    key("GLOBALS_FILE", "\\.\\\\option_globals\\.txt"),
-                    key("DOC_FILE", "\\.\\\\qor_doc\\.xml"),
-                    key("PROPS_FILE", "\\.\\\\qor_props\\.txt"),
-                    key("TS3MATS_FILE", "\\.\\\\qor_ts3mats\\.txt"),
-                    key("RPC_FOLDER", "\\.\\\\rpcs"),
-                    "#; Other Qor Batch settings;",
-                    key("DBUNIT", "1"),
-                    "~\\*@KEY:(HWND|WTITLE);.*",
-                    "#;",
-                    "#;",
-                    key("SupportFolder", ".*[^\\\\]"),
-                    "~\\*@KEY:SupportFolder;.+",
-                    "#;",
-                    key("GLOBAL", "bks_qorvane_mode;0"),
-                    key("GLOBAL", "bks_kestra_qor_mode;1")});
-}
-
-std::vector<std::string> check_view(std::string_view text, std::map<std::string, double>& values) {
-    const std::vector<std::string> lines = lines_of(text);
-    std::vector<std::string> faults;
-    static const std::regex number_line("([^;]+);(\\()?([-+.0-9e]+)[^;]*;?");
-    for (const std::string& line : lines) {
-        std::smatch match;
-        if (std::regex_match(line, match, number_line)) {
-            values.try_emplace(match[1], std::stod(match[3]));
-        }
-        static const std::regex digits("-?[0-9][-+.0-9e]*");
-        const std::string tail = line.substr(std::min(line.size(), line.find(';')));
-        for (std::sregex_iterator i(tail.begin(), tail.end(), digits), end; i != end; ++i) {
-            if (!is_g9(i->str())) {
-                faults.push_back("no %0.9g number: " + line);
-            }
-        }
-    }
-    const std::string n = "-?[0-9][-+.0-9e]*";
-    const std::string triple = "\\(" + n + "," + n + "," + n + "\\)";
-    std::vector<std::string> patterns{"#;Batch_ViewSettingsFile",
-                                      "ViewName;Current",
-                                      "",
-                                      "IsAcad;1",
-                                      "",
-                                      "PixelWidth;0",
-                                      "PixelHeight;0",
-                                      "",
-                                      "",
-                                      "viewport: width = 0  height = 0",
-                                      "",
-                                      ""};
-    const auto axes = [&](const std::string& name, const std::string& unit) {
-        for (const char* axis : {"X", "Y", "Z"}) {
-            patterns.push_back(name + axis + unit + ";" + n);
-        }
-        patterns.emplace_back();
-    };
-    patterns.push_back("Eye;" + triple);
-    axes("Eye", "");
-    patterns.push_back("Target;" + triple);
-    axes("Target", "");
-    axes("Eye", " \\(inches\\)");
-    patterns.push_back("Dir;" + triple);
-    axes("Dir", " \\(meters\\)");
-    axes("Dir", " \\(inches\\)");
-    for (const std::string& p :
-         {"dir_len;" + n, std::string(), "m_Scale;" + n, "view_scale;" + n, std::string(),
-          "fieldWidth;" + n + ";", std::string(), "fieldHeight;" + n}) {
-        patterns.push_back(p);
-    }
-    axes("Dir", "");
-    patterns.push_back("Up;" + triple);
-    axes("Up", "");
-    for (const char* key : {"m_d;1", "m_l;", "m_r;", "m_t;", "m_b;", "FOV;", "FOVW;"}) {
-        patterns.push_back(key + (std::string(key) == "m_d;1" ? "" : n));
-    }
-    for (const std::string& p :
-         {std::string(), std::string("CameraType;Perspective"), "OrthoHeight;" + n, std::string(),
-          std::string(), std::string("Brightness;0"), std::string("Burn;0"),
-          std::string("Saturation;1"), std::string("END_CURRENT;")}) {
-        patterns.push_back(p);
-    }
-    const std::vector<std::string> more = compare(lines, patterns);
-    faults.insert(faults.end(), more.begin(), more.end());
-    return faults;
+    return params_reader(text).read();
 }
 
 } // namespace checker

@@ -1,345 +1,256 @@
-// The reader of geometry streams: one method a production.
-#include "stream_checker.h"
+// The frame of a stream: header, material list, block brackets, order of the body.
+#include "stream_parser.h"
 
-#include <cmath>
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
-#include <iterator>
-#include <regex>
-#include <set>
+#include <algorithm>
+#include <charconv>
+#include <chrono>
 
 namespace checker {
-
-bool is_g9(std::string_view text) {
-    const std::string copy(text);
-    char* end = nullptr;
-    const double value = std::strtod(copy.c_str(), &end);
-    char again[64];
-    std::snprintf(again, sizeof again, "%0.9g", value);
-    return !copy.empty() && *end == '\0' && std::isfinite(value) && copy == again;
-}
-
-std::string read_text(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
 namespace {
 
-struct fault {
-    std::string text;
+constexpr const char* months[] = {"January",   "February", "March",    "April",
+                                  "May",       "June",     "July",     "August",
+                                  "September", "October",  "November", "December"};
+constexpr const char* weekdays[] = {"Sunday",   "Monday", "Tuesday", "Wednesday",
+                                    "Thursday", "Friday", "Saturday"};
+
+/// A number of so many digits, within the bounds; -1 otherwise. Takes it from the text.
+int digits(std::string_view& text, std::size_t count, int low, int high) {
+    const std::string_view word = text.substr(0, count);
+    if (word.size() != count || word.find_first_not_of("0123456789") != word.npos) {
+        return -1;
+    }
+    const int value = std::stoi(std::string(word));
+    text.remove_prefix(count);
+    return value >= low && value <= high ? value : -1;
+}
+
+bool take(std::string_view& text, std::string_view word) {
+    if (!text.starts_with(word)) {
+        return false;
+    }
+    text.remove_prefix(word.size());
+    return true;
+}
+
+/// "Monday, January 05, 2026, 03:04:05 PM", the day of the week being that of the date.
+bool is_time(std::string_view text) {
+    using namespace std::chrono;
+    const auto* const week = std::find_if(std::begin(weekdays), std::end(weekdays),
+                                          [&](const char* name) { return take(text, name); });
+    if (week == std::end(weekdays) || !take(text, ", ")) {
+        return false;
+    }
+    const auto* const month = std::find_if(std::begin(months), std::end(months),
+                                           [&](const char* name) { return take(text, name); });
+    if (month == std::end(months) || !take(text, " ")) {
+        return false;
+    }
+    const int day = digits(text, 2, 1, 31);
+    const bool comma = take(text, ", ");
+    const int year = digits(text, 4, 1, 9999);
+    if (day < 0 || !comma || year < 0 || !take(text, ", ") || digits(text, 2, 1, 12) < 0 ||
+        !take(text, ":") || digits(text, 2, 0, 59) < 0 || !take(text, ":") ||
+        digits(text, 2, 0, 60) < 0 || (text != " AM" && text != " PM")) {
+        return false;
+    }
+    const year_month_day date{std::chrono::year(year),
+                              std::chrono::month(static_cast<unsigned>(month - months) + 1),
+                              std::chrono::day(static_cast<unsigned>(day))};
+    return date.ok() && weekday(sys_days(date)).c_encoding() == week - weekdays;
+}
+
+/// The records that never stand in a mesh although they have a keyword, with the reason.
+struct never_written {
+    std::string_view keyword, reason;
 };
-
-class parser {
-public:
-    explicit parser(std::string_view text) {
-        while (!text.empty()) {
-            const std::size_t end = text.find('\n');
-            if (end == text.npos) {
-                throw fault{"the last line has no line end"};
-            }
-            lines_.push_back(text.substr(0, end));
-            text.remove_prefix(end + 1);
-        }
-    }
-
-    stream parse() {
-        try {
-            header();
-            while (!at("END;")) {
-                body_item();
-            }
-            exact("END;");
-            require(stack_.empty(), "END; with an open block");
-            require(next_ == lines_.size(), "lines behind END;");
-        } catch (const fault& f) {
-            out_.faults.push_back("line " + std::to_string(next_) + ": " + f.text);
-        }
-        return std::move(out_);
-    }
-
-private:
-    std::string_view peek(std::size_t ahead = 0) const {
-        return next_ + ahead < lines_.size() ? lines_[next_ + ahead] : std::string_view("<end>");
-    }
-    bool at(std::string_view prefix, std::size_t ahead = 0) const {
-        return peek(ahead).starts_with(prefix);
-    }
-    void require(bool holds, const std::string& text) const {
-        if (!holds) {
-            throw fault{text};
-        }
-    }
-    void exact(std::string_view line) {
-        require(next_ < lines_.size() && peek() == line,
-                "expected '" + std::string(line) + "', found '" + std::string(peek()) + "'");
-        ++next_;
-    }
-    std::string rest(std::string_view prefix) {
-        require(next_ < lines_.size() && at(prefix),
-                "expected '" + std::string(prefix) + "...', found '" + std::string(peek()) + "'");
-        return std::string(lines_[next_++].substr(prefix.size()));
-    }
-    std::int64_t integer(std::string_view prefix) {
-        const std::string text = rest(prefix);
-        char* end = nullptr;
-        const long long value = std::strtoll(text.c_str(), &end, 10);
-        require(std::to_string(value) == text, "no plain integer: " + text);
-        return value;
-    }
-    std::uint32_t hex(std::string_view prefix) {
-        const std::string text = rest(prefix);
-        char again[16];
-        const auto value = static_cast<std::uint32_t>(std::strtoul(text.c_str(), nullptr, 16));
-        std::snprintf(again, sizeof again, "%x", value);
-        require(text == again && value <= 0xffffff, "no colour: " + text);
-        return value;
-    }
-    /// "n" in the form stands for a number, everything else for itself.
-    triple numbers(std::string_view prefix, std::string_view form) {
-        const std::string text = rest(prefix);
-        std::string_view left = text;
-        triple out{};
-        std::size_t count = 0;
-        for (const char c : form) {
-            if (c != 'n') {
-                require(left.starts_with(c), "no triple: " + text);
-                left.remove_prefix(1);
-                continue;
-            }
-            const std::string number(left.substr(0, left.find_first_of(",) ")));
-            require(is_g9(number), "no %0.9g number: " + text);
-            out[count++] = std::strtod(number.c_str(), nullptr);
-            left.remove_prefix(number.size());
-        }
-        require(left.empty(), "no triple: " + text);
-        return out;
-    }
-
-    void header() {
-        exact("#;Qor Batch Geometry from AutoCad");
-        static const std::regex time(
-            "(Sun|Mon|Tues|Wednes|Thurs|Fri|Satur)day, [A-Z][a-z]+ [0-3][0-9], [0-9]{4}, "
-            "(0[1-9]|1[0-2]):[0-5][0-9]:[0-6][0-9] (AM|PM)");
-        require(std::regex_match(rest("#;"), time), "the second line is no time");
-        exact("DFFC;c8c8c8");
-        exact("DFEC;000000");
-        while (at("MATF;")) {
-            const std::string file = rest("MATF;");
-            static const std::regex stem("[-_%0-9a-zA-Z ]*\\.TsMaterial");
-            require(std::regex_match(file, stem), "no encoded material file: " + file);
-            const auto index = static_cast<int>(integer("MATI;"));
-            require(index >= 10, "a material index below 10");
-            out_.materials[index] = file;
-        }
-    }
-
-    void brackets() {
-        while (at("#;BLOK: ")) {
-            const std::string comment = rest("#;BLOK: ");
-            const std::string indent(2 * stack_.size(), ' ');
-            const std::string name = rest("BLOK;" + indent);
-            rest("BLYR;" + indent);
-            std::smatch match;
-            static const std::regex form("(.*)  HNDL: 0x([0-9a-f]+)  (-?[0-9]+)");
-            require(std::regex_match(comment, match, form) && match[1] == indent + name,
-                    "a block comment that does not fit: " + comment);
-            require(static_cast<std::uint32_t>(std::stoul(match[2], nullptr, 16)) ==
-                        static_cast<std::uint32_t>(std::stoll(match[3])),
-                    "two handles that differ: " + comment);
-            stack_.push_back(name);
-            ++out_.brackets;
-            bracket_is_empty_ = true;
-        }
-    }
-
-    void body_item() {
-        if (at("EBLK;")) {
-            require(!stack_.empty(), "EBLK without a block");
-            require(!bracket_is_empty_, "a block without geometry");
-            exact("EBLK;" + std::string(2 * (stack_.size() - 1), ' ') + stack_.back());
-            exact("#;#;");
-            stack_.pop_back();
-        } else if (at("#;ACAD ")) {
-            plain_mesh();
-        } else {
-            shell();
-        }
-    }
-
-    void properties(mesh& m) {
-        if (at("LITE;") || at("DYLT;")) {
-            m.light = static_cast<int>(integer(at("LITE;") ? "LITE;" : "DYLT;"));
-            require(m.light >= 0, "a light number below 0");
-        }
-        exact("THICK;1");
-        exact("SHDW;1");
-    }
-    static bool is_key(const std::string& key) {
-        static const std::regex form(
-            "LAY:.*|COL:[0-9]{1,3}|RGB:\\([0-9]{1,3},[0-9]{1,3},[0-9]{1,3}\\)");
-        return std::regex_match(key, form);
-    }
-    void material(mesh& m, bool is_shell) {
-        m.material = rest("#;MATL: ");
-        if (is_shell) {
-            m.color = hex("#;COLOR: ");
-            if (at("#;KEY: ")) {
-                m.key = rest("#;KEY: ");
-                require(is_key(m.key), "no mapping key: " + m.key);
-            }
-        }
-        m.material_index = static_cast<int>(integer("MATL;"));
-        require(m.material_index == 0 || out_.materials.contains(m.material_index),
-                "MATL names no material of the list");
-    }
-    void rotation(mesh& m) {
-        const std::string text = rest("BROT;");
-        char again[64];
-        m.rotation = std::strtod(text.c_str(), nullptr);
-        std::snprintf(again, sizeof again, "%g", m.rotation);
-        require(text == again, "no %g number: " + text);
-    }
-
-    void plain_mesh() {
-        mesh m;
-        m.kind = rest("#;ACAD ");
-        static const std::set<std::string> kinds{"CIRCLE 1;", "ARC - Rad;", "LINE;", "PLINE - T;",
-                                                 "MESH;"};
-        require(kinds.contains(m.kind), "no primitive: " + m.kind);
-        m.kind.pop_back();
-        exact("MESH;");
-        require(at("MPUV;0") || at("MPUV;1"), "MPUV is missing");
-        ++next_;
-        properties(m);
-        if (at("LLIT;")) {
-            rest("LLIT;");
-        }
-        if (at("NOLY;")) {
-            exact("NOLY;0");
-        } else {
-            m.key = rest("LAYR;");
-            require(is_key(m.key), "no mapping key: " + m.key);
-        }
-        m.color = hex("COLR;");
-        m.color_index = static_cast<int>(integer("COLN;"));
-        color_fits_key(m);
-        material(m, false);
-        m.handle = static_cast<std::uint64_t>(integer("HNDL;"));
-        rotation(m);
-        if (m.light != -1) {
-            require(integer("LITE;") == m.light, "two light numbers");
-        }
-        brackets();
-        vertices(m, m.kind == "MESH");
-        while (at("FACE;")) {
-            face(m);
-        }
-        end_of_mesh(std::move(m));
-    }
-    void color_fits_key(const mesh& m) {
-        if (m.key.starts_with("RGB:")) {
-            require(m.color_index > 255, "a true colour with an index");
-        } else if (m.key.starts_with("COL:")) {
-            require(m.key == "COL:" + std::to_string(m.color_index), "key and COLN differ");
-        } else {
-            require(m.color_index == 256 || m.color_index == 0, "an own colour without its key");
-        }
-    }
-
-    void shell() {
-        brackets();
-        mesh m;
-        m.kind = "SHELL";
-        exact("#;NEW MESH;");
-        exact("MESH;");
-        exact("#;ACAD SHELL;");
-        exact("CULL;0");
-        require(at("MPUV;0") || at("MPUV;1"), "MPUV is missing");
-        ++next_;
-        properties(m);
-        material(m, true);
-        if (at("HNDL;")) {
-            m.handle = static_cast<std::uint64_t>(integer("HNDL;"));
-            require(m.handle != 0, "HNDL;0 in a shell");
-        }
-        rotation(m);
-        vertices(m, true);
-        require(m.vertices.size() >= 3, "a shell of less than 3 points");
-        while (at("FACE;") || at("#;Need Triangulator")) {
-            if (at("FACE;")) {
-                face(m);
-            } else {
-                exact("#;Need Triangulator");
-            }
-        }
-        end_of_mesh(std::move(m));
-    }
-
-    void vertices(mesh& m, bool textured) {
-        while (at("NORM;") || at("UVQ;") || at("VERT;")) {
-            vertex v;
-            if (at("NORM;")) {
-                v.normal = numbers("NORM;", "(n,n,n)");
-                v.has_normal = true;
-                const double length =
-                    std::sqrt(v.normal[0] * v.normal[0] + v.normal[1] * v.normal[1] +
-                              v.normal[2] * v.normal[2]);
-                require(length < 1e-6 || std::abs(length - 1) < 1e-6, "a normal that is not unit");
-            }
-            if (textured) {
-                numbers("UVQ;", "(n,n,0)");
-                v.has_texture = true;
-            }
-            v.position = numbers("VERT;", "(n,n, n)");
-            const auto number = static_cast<int>(integer("ADDV;"));
-            const int wanted = m.vertices.empty() ? 0 : m.vertices.rbegin()->first + 1;
-            // Only the upper centre of a tube leaves a gap.
-            require(number == wanted || (m.kind == "CIRCLE 1" && number == wanted + 1),
-                    "ADDV out of order");
-            m.vertices[number] = v;
-        }
-    }
-    void face(mesh& m) {
-        const std::string text = rest("FACE;");
-        std::array<int, 3> f{};
-        char end = 0;
-        require(std::sscanf(text.c_str(), "%d,%d,%d%c", &f[0], &f[1], &f[2], &end) == 3 &&
-                    text == std::to_string(f[0]) + "," + std::to_string(f[1]) + "," +
-                                std::to_string(f[2]),
-                "no face: " + text);
-        for (const int corner : f) {
-            require(m.vertices.contains(corner), "FACE names no vertex: " + text);
-        }
-        require(f[0] != f[1] && f[1] != f[2] && f[2] != f[0], "two equal corners: " + text);
-        m.faces.push_back(f);
-    }
-    void end_of_mesh(mesh m) {
-        exact("EMSH;");
-        exact("#;");
-        m.blocks = stack_;
-        bracket_is_empty_ = false;
-        out_.meshes.push_back(std::move(m));
-    }
-
-    std::vector<std::string_view> lines_;
-    std::size_t next_ = 0;
-    std::vector<std::string> stack_;
-    bool bracket_is_empty_ = false;
-    stream out_;
+constexpr never_written never[] = {
+    {"CAUS;", "the flag CAUS is never written"},     {"ALPH;", "the flag ALPH is never written"},
+    {"FCTD;", "the flag FCTD is never written"},     {"MNCR;", "the flag MNCR is never written"},
+    {"GATHER;", "the flag GATHER is never written"}, {"INVS;", "INVS is never written"},
+    {"MATF;", "MATF stands at file level only"},     {"MATI;", "MATI stands at file level only"},
 };
+constexpr std::string_view keywords[] = {
+    "#;",    "DFFC;", "DFEC;", "BLOK;", "BLYR;", "EBLK;", "MESH;", "CULL;", "MPUV;",
+    "LLIT;", "LAYR;", "NOLY;", "COLR;", "COLN;", "MATL;", "HNDL;", "BROT;", "LITE;",
+    "DYLT;", "SHDW;", "GCOR;", "GNDC;", "NORM;", "UVQ;",  "VERT;", "ADDV;", "FACE;",
+    "EMSH;", "PLLB;", "PLNM;", "PLLC;", "PLDM;", "PLSN;", "PLRT;", "PLSC;", "PLNT;",
+    "LTYP;", "LORG;", "LGHT;", "DECO;", "DECX;", "DECY;", "DECZ;", "DECS;", "DEC1;",
+    "DEC2;", "DECW;", "DECH;", "DECN;", "DECL;", "END;",  "THICK;"};
+
+/// What the comment of a block has to be, with the handle that it tells.
+std::string block_comment(const std::string& indented_name, const std::string& comment) {
+    constexpr std::string_view word = "  HNDL: 0x";
+    const std::size_t at = comment.rfind(word);
+    std::uint32_t handle = 0;
+    if (at != std::string::npos) {
+        const char* const digits_begin = comment.data() + at + word.size();
+        std::from_chars(digits_begin, comment.data() + comment.size(), handle, 16);
+    }
+    char hex[16];
+    const auto written = std::to_chars(hex, hex + sizeof hex, handle, 16);
+    return indented_name + std::string(word) + std::string(hex, written.ptr) + "  " +
+           std::to_string(static_cast<std::int32_t>(handle));
+}
 
 } // namespace
 
-stream check_stream(std::string_view text) {
-    try {
-        return parser(text).parse();
-    } catch (const fault& f) {
-        stream out;
-        out.faults.push_back(f.text);
-        return out;
+std::string keyword_remark(std::string_view line) {
+    for (const auto& [keyword, reason] : never) {
+        if (line.starts_with(keyword)) {
+            return " (" + std::string(reason) + ")";
+        }
     }
+    const bool known = std::any_of(std::begin(keywords), std::end(keywords),
+                                   [&](std::string_view word) { return line.starts_with(word); });
+    const std::size_t semicolon = line.find(';');
+    return known || semicolon == line.npos || semicolon > 6 || semicolon == 0
+               ? ""
+               : " (no record has this keyword)";
+}
+
+stream check_stream(std::string_view text) { return stream_parser(text).parse(); }
+
+stream stream_parser::parse() {
+    try {
+        header();
+        material_list();
+    } catch (const lost_place&) {
+        go_on_behind_fault(in_.position());
+    }
+    body();
+    return std::move(out_);
+}
+
+void stream_parser::header() {
+    in_.context("the header");
+    in_.exact("#;Qor Batch Geometry from AutoCad");
+    const std::string time = in_.rest("#;");
+    in_.require(is_time(time), "no time of the form %A, %B %d, %Y, %I:%M:%S %p");
+    in_.exact("DFFC;c8c8c8");
+    in_.exact("DFEC;000000");
+}
+
+void stream_parser::material_list() {
+    in_.context("the material list");
+    int last = 9;
+    while (in_.at("MATF;")) {
+        const std::string file = in_.rest("MATF;");
+        constexpr std::string_view suffix = ".TsMaterial";
+        constexpr const char* file_characters =
+            "-_% 0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+        const std::string stem = file.substr(0, file.size() - std::min(file.size(), suffix.size()));
+        in_.require(file.ends_with(suffix) && !stem.empty() &&
+                        stem.find_first_not_of(file_characters) == stem.npos,
+                    "no encoded name of a material file");
+        const int index = in_.integer("MATI;");
+        in_.require(index >= 10, "the indices 1 to 9 are never given");
+        in_.require(index >= last, "material indices do not ascend");
+        if (const auto before = out_.materials.find(index); before != out_.materials.end()) {
+            in_.require(before->second.starts_with("Tessara-") &&
+                            !out_.toolkit_materials.contains(index),
+                        "a row has two files only when its first is a toolkit material's");
+            out_.toolkit_materials[index] = before->second;
+        }
+        out_.materials[index] = file;
+        last = std::max(last, index);
+    }
+}
+
+void stream_parser::body() {
+    while (!in_.at_end() && !in_.at_line("END;")) {
+        const std::size_t start = in_.position();
+        try {
+            body_item();
+        } catch (const lost_place&) {
+            go_on_behind_fault(start);
+        }
+    }
+    if (in_.at_end()) {
+        in_.require(false, "the stream does not end with END;");
+        return;
+    }
+    in_.skip();
+    in_.require(stack_.empty(), "END; with an open block");
+    if (!in_.at_end()) {
+        in_.skip();
+        in_.require(false, "lines behind END;");
+    }
+}
+
+void stream_parser::body_item() {
+    in_.context("the body");
+    if (in_.at("EBLK;")) {
+        close_bracket();
+    } else if (in_.at("#;NEW MESH;") || in_.at("#;BLOK: ")) {
+        shell();
+    } else if (in_.at("#;ACAD ") || in_.at_line("#;DECAL not written") || in_.at("DECO;", 1)) {
+        plain_mesh();
+    } else if (in_.at("#;DECAL, sourceFileName: ")) {
+        image_decal();
+    } else if (in_.at_line("#;") && in_.at("LTYP;", 1)) {
+        light_block();
+    } else if (in_.take("#;TsPlant")) {
+        plant_block(true);
+    } else if (in_.at_line("#;PLANT")) {
+        plant_block(false);
+    } else if (!in_.take("#;Old TS3 TsPlant")) {
+        const std::string line(in_.peek());
+        in_.skip();
+        in_.lose("has no place in the body" + keyword_remark(line));
+    }
+}
+
+void stream_parser::go_on_behind_fault(std::size_t item_start) {
+    const auto begins_something = [this] {
+        return in_.at_end() || in_.at_line("END;") || in_.at("EBLK;") || in_.at("#;NEW MESH;") ||
+               (in_.at("#;ACAD ") && !in_.at_line("#;ACAD SHELL;")) || in_.at_line("#;PLANT") ||
+               in_.at_line("#;TsPlant") || in_.at("#;DECAL, source") ||
+               (in_.at_line("#;") && in_.at("LTYP;", 1));
+    };
+    if (in_.position() <= item_start) {
+        in_.skip();
+    }
+    while (!begins_something()) {
+        if (in_.at("BLOK;")) { // not lost, so that what closes it finds it
+            const std::string_view name = in_.peek().substr(5);
+            stack_.emplace_back(name.substr(std::min(name.find_first_not_of(' '), name.size())));
+        }
+        in_.skip();
+    }
+    bracket_is_empty_ = false;
+}
+
+void stream_parser::brackets() {
+    while (in_.at("#;BLOK: ")) {
+        in_.context("a block bracket");
+        const std::string comment = in_.rest("#;BLOK: ");
+        const std::string indent(2 * stack_.size(), ' ');
+        const std::string name = in_.rest("BLOK;" + indent);
+        in_.require(!name.empty(), "a block without a name");
+        in_.require(!name.starts_with("  "), "a block is not indented by two blanks a level");
+        in_.require(comment == block_comment(indent + name, comment),
+                    "the comment above is not '#;BLOK: %s%s  HNDL: 0x%x  %d' with indent, name and "
+                    "the handle twice");
+        in_.rest("BLYR;" + indent);
+        stack_.push_back(name);
+        ++out_.brackets;
+        bracket_is_empty_ = true;
+    }
+}
+
+void stream_parser::close_bracket() {
+    in_.context("the end of a block");
+    if (stack_.empty()) {
+        in_.skip();
+        in_.lose("EBLK without an open block");
+    }
+    const std::string line = "EBLK;" + std::string(2 * (stack_.size() - 1), ' ') + stack_.back();
+    const bool empty = std::exchange(bracket_is_empty_, false);
+    stack_.pop_back();
+    in_.exact(line);
+    in_.require(!empty, "a block without geometry");
+    in_.exact("#;#;");
 }
 
 } // namespace checker

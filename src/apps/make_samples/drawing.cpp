@@ -117,12 +117,14 @@ struct DrawingImpl {
         }
     }
 
-    void add(std::size_t space, std::unique_ptr<AcDbEntity> entity, const Look& look) {
+    AcDbEntity& add(std::size_t space, std::unique_ptr<AcDbEntity> entity, const Look& look) {
+        AcDbEntity& added = *entity;
         dress(*entity, look);
         AcDbObjectPointer<AcDbBlockTableRecord> record(spaces[space], AcDb::kForWrite);
         require(record.openStatus(), "block");
         AcDbObjectId id;
         require(record->appendAcDbEntity(std::move(entity), id), "entity");
+        return added;
     }
 
     AcDbObjectId block_id(const std::string& name) const {
@@ -243,10 +245,15 @@ void place(AcDbBlockReference& reference, AcDbObjectId block, const Placement& p
 
 } // namespace
 
-void Space::insert(const std::string& block, const Placement& placement, const Look& look) {
+AcDbBlockReference& Space::insert(const std::string& block, const Placement& placement,
+                                  const Look& look) {
     auto entity = std::make_unique<AcDbBlockReference>();
     place(*entity, drawing_->block_id(block), placement);
-    drawing_->add(index_, std::move(entity), look);
+    return static_cast<AcDbBlockReference&>(drawing_->add(index_, std::move(entity), look));
+}
+
+AcDbEntity& Space::add(std::unique_ptr<AcDbEntity> entity, const Look& look) {
+    return drawing_->add(index_, std::move(entity), look);
 }
 
 void Space::array(const std::string& block, const Placement& placement, int columns, int rows,
@@ -288,6 +295,10 @@ Space Drawing::block(const std::string& name) {
     }
     return {impl_.get(), entry->second};
 }
+
+AcDbDatabase& Drawing::database() { return impl_->database; }
+AcDbObjectId Drawing::layer_id(const std::string& name) { return impl_->layer(name); }
+AcDbObjectId Drawing::material_id(const std::string& name) { return impl_->paint(name).material; }
 
 bool Drawing::has_block(const std::string& name) const {
     return impl_->block_names.count(name) > 0;

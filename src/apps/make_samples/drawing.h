@@ -3,6 +3,8 @@
 #pragma once
 
 #include "apps/make_samples/mesh.h"
+#include "host/db/block_reference.h"
+#include "host/db/database.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -50,6 +52,7 @@ struct Outline {
 };
 
 struct DrawingImpl;
+class Drawing;
 
 /// A block definition or model space. Cheap to copy; lives as long as its drawing.
 class Space {
@@ -70,7 +73,17 @@ public:
     void polyline(const Outline& outline, const Look& look);
     void solid(const std::vector<Point2>& corners, double elevation, double thickness,
                const Look& look); ///< four corners in turn
-    void insert(const std::string& block, const Placement& placement, const Look& look);
+    AcDbBlockReference& insert(const std::string& block, const Placement& placement,
+                               const Look& look);
+    /// Any entity, its lengths in the drawing's millimetres.
+    AcDbEntity& add(std::unique_ptr<AcDbEntity> entity, const Look& look);
+    template <class Entity, class... Args>
+    Entity& make(const Look& look, Args&&... args) {
+        auto entity = std::make_unique<Entity>(std::forward<Args>(args)...);
+        Entity& made = *entity;
+        add(std::move(entity), look);
+        return made;
+    }
     void array(const std::string& block, const Placement& placement, int columns, int rows,
                double column_spacing, double row_spacing, const Look& look);
 
@@ -92,6 +105,9 @@ public:
     void layer(const std::string& name, const std::string& paint, int aci = 0);
     Space model();
     Space block(const std::string& name); ///< made at the first call
+    AcDbDatabase& database();
+    AcDbObjectId layer_id(const std::string& name);    ///< in the drawing from then on
+    AcDbObjectId material_id(const std::string& name); ///< of a paint
     bool has_block(const std::string& name) const;
     /// A named perspective view, three by two, of a lens on 24 by 36 mm film. The last one with
     /// `active` set is also what the drawing opens with.

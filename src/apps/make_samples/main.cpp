@@ -1,4 +1,5 @@
 // make_samples OUTDIR: writes the sample drawings, the same bytes on every run.
+#include "apps/make_samples/everything.h"
 #include "apps/make_samples/samples.h"
 
 #include <cstdio>
@@ -15,6 +16,7 @@ constexpr Sample kSamples[] = {
     {"courtyard.dxf", make_samples::build_courtyard},
     {"room.dxf", make_samples::build_room},
     {"tower.dxf", make_samples::build_tower},
+    {"everything.dxf", make_samples::build_everything},
 };
 
 constexpr int kWorkFailed = 1, kWrongUsage = 2, kCannotWrite = 5;
@@ -41,6 +43,10 @@ int main(int argc, char** argv) {
             std::fprintf(stderr, "make_samples: %s: %s\n", sample.file, fault.what());
             return kWorkFailed;
         }
+    }
+    if (std::string error; !make_samples::write_everything_files(folder, error)) {
+        std::fprintf(stderr, "make_samples: %s: %s\n", folder.c_str(), error.c_str());
+        return kCannotWrite;
     }
     return 0;
 }
