@@ -67,6 +67,13 @@ bool is_special_dxf_name(const char* name) {
 
 const cl_class_facts& class_facts(const AcRxClass* record) {
     static std::unordered_map<const AcRxClass*, cl_class_facts> known;
-    const auto at = known.find(record);
-    return at != known.end() ? at->second : known.emplace(record, make_facts(record)).first->second;
+    static const std::pair<const AcRxClass* const, cl_class_facts>* last = nullptr;
+    if (last == nullptr || last->first != record) { // neighbours are mostly of one class
+        auto at = known.find(record);
+        if (at == known.end()) {
+            at = known.emplace(record, make_facts(record)).first;
+        }
+        last = &*at;
+    }
+    return last->second;
 }

@@ -57,10 +57,15 @@ bool CTsAcGiGeometry::circle(const AcGePoint3d& center, double radius, const AcG
         return true;
     }
     const circle_frame frame(normal);
+    ring_.resize(n > 0 ? static_cast<std::size_t>(n) + 1 : 0); // the upper ring closes itself
+    for (std::size_t step = 0; step < ring_.size(); ++step) {
+        const AcGeVector3d radial = frame.radial(static_cast<double>(step) * full_turn / n);
+        ring_[step] = {radial * radius, transform_.direction(radial)};
+    }
     const auto ring = [&](const AcGePoint3d& middle, std::int32_t index, std::int32_t step) {
-        const AcGeVector3d radial = frame.radial(step * full_turn / n);
-        write_normal(transform_.direction(radial));
-        write_point(transform_.to_ts(middle + radial * radius));
+        const ring_point& at = ring_[static_cast<std::size_t>(step)];
+        write_normal(at.normal);
+        write_point(transform_.to_ts(middle + at.offset));
         out_.add_vertex(index);
     };
     write_point(transform_.to_ts(center));

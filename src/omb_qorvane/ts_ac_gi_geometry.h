@@ -124,4 +124,9 @@ private:
     std::string material_name_, material_lines_;
     int material_index_ = 0;                ///< of the name, in the stream
     std::vector<AcGePoint3d> world_points_; ///< of the shell that is written
+    struct ring_point {
+        AcGeVector3d offset; ///< from the centre, model space
+        AcGeVector3d normal; ///< world
+    };
+    std::vector<ring_point> ring_; ///< of the circle that is written
 };
