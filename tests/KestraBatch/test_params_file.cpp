@@ -93,6 +93,7 @@ TEST(ParamsFile, SmallFilesAreReadWithALimit) {
     EXPECT_EQ(read_small_file(path, ExitCode::missing, 5), "12345");
     EXPECT_EQ(message_of([&] { read_small_file(path, ExitCode::missing, 4); }),
               path.string() + ": longer than 4 bytes");
+    std::filesystem::remove(path);
     EXPECT_EQ(message_of([&] { read_small_file(folder, ExitCode::missing); }),
               folder.string() + ": this is a folder");
     try {
