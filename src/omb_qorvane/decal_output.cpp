@@ -180,7 +180,6 @@ void write_object_decals(CTsAcCommonDraw& draw) {
                          triple_text("DECZ", decal.m_ZAxis) +
                          triple_text("DECS", decal.m_XScale, decal.m_YScale, decal.m_ZScale) +
                          "DECL;" + name + "\n#;\n");
-        ++draw.report.object_decals;
     }
 }
 
@@ -195,5 +194,4 @@ void write_image_decal(const AcGiDrawable& drawable, CTsAcCommonDraw& draw) {
         ++draw.report.missing_images;
         return;
     }
-    ++draw.report.image_decals;
 }

@@ -6,13 +6,8 @@
 
 struct cl_extraction_report {
     std::uint64_t faces = 0;          ///< triangles written
-    std::uint64_t lights = 0;         ///< written
-    std::uint64_t plants = 0;         ///< of any kind
     std::uint64_t rpc_objects = 0;    ///< objects of the optional plug-in, which is not there
-    std::uint64_t ground_covers = 0;  ///< entities with a ground cover
-    std::uint64_t image_decals = 0;   ///< raster images that were written
     std::uint64_t missing_images = 0; ///< raster images without a picture or an area
-    std::uint64_t object_decals = 0;  ///< decals attached to entities, one for each mesh
     std::uint64_t bad_primitives = 0; ///< with a coordinate that is no finite number
     std::uint64_t bad_faces = 0;      ///< faces of shells that name no vertex of theirs
     std::uint64_t no_layer = 0;       ///< entities whose layer cannot be read

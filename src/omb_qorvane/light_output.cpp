@@ -60,7 +60,6 @@ int write_light(const CTsLight& light, int record_type, CTsAcCommonDraw& draw) {
     draw.stream.text(fmt::sprintf("#;\nLTYP;%d\nLORG;(%f, %f, %f)\nLGHT;%d\n", record_type,
                                   light.m_Location.x, light.m_Location.y, light.m_Location.z,
                                   number));
-    ++draw.report.lights;
     return number;
 }
 

@@ -66,7 +66,6 @@ bool TsAcIsPlant(const AcDbEntity& entity, CTsAcCommonDraw& draw) {
 }
 
 void write_library_plant(const AcDbEntity& entity, CTsAcCommonDraw& draw) {
-    ++draw.report.plants;
     if (draw.scan_only) {
         return;
     }
@@ -132,7 +131,6 @@ bool write_asuni_plant(AcDbEntity& entity, CTsAcCommonDraw& draw) {
                      location_text(draw.tsdoc.ToTs(to_ts(reference.position()))) +
                      fmt::sprintf("PLRT;%0.9g\nPLSC;1\nPLNT;1\n", degrees(reference.rotation())));
     ++exporter.plant_counter;
-    ++draw.report.plants;
     return true;
 }
 
@@ -144,7 +142,6 @@ void TsAcGroundCover(const AcDbEntity& entity, CTsAcCommonDraw& draw) {
     auto plant = std::make_shared<CTsAcPlant>();
     if (kind == 1 ? plant->load_from_entity(entity) : plant->load_cover(entity)) {
         draw.traits->ground_cover = std::move(plant);
-        ++draw.report.ground_covers;
     }
 }
 

@@ -34,7 +34,6 @@ void CTsAcGiGeometry::draw_with_traits(AcGiDrawable& drawable, CTsAcSubEntityTra
     if (facts.own_dxf_name) {
         const std::string name = static_cast<AcDbObject&>(drawable).dxfName();
         common_.special_class = is_special_dxf_name(name.c_str());
-        common_.report.lights += name == "LIGHT" ? 1 : 0;
     }
     if (facts.light) {
         write_host_light(drawable, common_);

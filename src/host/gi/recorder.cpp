@@ -4,6 +4,7 @@
 #include "host/db/database.h"
 #include "host/db/polylines.h"
 #include "host/gi/fallback.h"
+#include "host/gi/transform_stack.h"
 
 #include <cmath>
 #include <numbers>
@@ -50,41 +51,11 @@ private:
 
 namespace {
 
-class Geometry : public AcGiWorldGeometry {
+class Geometry : public TransformStackGeometry {
 public:
     Geometry(Recorder& recorder, Traits& traits)
       : recorder_(recorder)
       , traits_(traits) {}
-
-    AcGeMatrix3d getModelToWorldTransform() const override { return top(); }
-    AcGeMatrix3d getWorldToModelTransform() const override { return top().inverse(); }
-    bool pushModelTransform(const AcGeVector3d& normal) override {
-        return pushModelTransform(AcGeMatrix3d::planeToWorld(normal));
-    }
-    bool pushModelTransform(const AcGeMatrix3d& matrix) override {
-        stack_.push_back(top() * matrix);
-        return true;
-    }
-    bool popModelTransform() override {
-        if (stack_.empty()) {
-            return false;
-        }
-        stack_.pop_back();
-        return true;
-    }
-    AcGeMatrix3d pushPositionTransform(AcGiPositionTransformBehavior, const AcGePoint3d&) override {
-        return {};
-    }
-    AcGeMatrix3d pushPositionTransform(AcGiPositionTransformBehavior, const AcGePoint2d&) override {
-        return {};
-    }
-    AcGeMatrix3d pushScaleTransform(AcGiScaleTransformBehavior, const AcGePoint3d&) override {
-        return {};
-    }
-    AcGeMatrix3d pushScaleTransform(AcGiScaleTransformBehavior, const AcGePoint2d&) override {
-        return {};
-    }
-    AcGeMatrix3d pushOrientationTransform(AcGiOrientationTransformBehavior) override { return {}; }
 
     bool circle(const AcGePoint3d& center, double radius, const AcGeVector3d& normal) override {
         RecordedCall call = begin(Primitive::kCircle, {&center, 1}, &normal);
@@ -230,7 +201,7 @@ public:
     bool edge(const AcGiEdge2dArray&) override { return end(begin(Primitive::kEdge, {}, nullptr)); }
 
 private:
-    AcGeMatrix3d top() const { return stack_.empty() ? AcGeMatrix3d() : stack_.back(); }
+    AcGeMatrix3d top() const { return getModelToWorldTransform(); }
 
     RecordedCall begin(Primitive primitive, std::span<const AcGePoint3d> points,
                        const AcGeVector3d* normal) {
@@ -290,7 +261,6 @@ private:
 
     Recorder& recorder_;
     Traits& traits_;
-    std::vector<AcGeMatrix3d> stack_;
     std::size_t depth_ = 0;
 };
 

@@ -7,6 +7,7 @@
 #include "host/db/entity.h"
 #include "host/ed/ed.h"
 #include "host/gi/fallback.h"
+#include "host/gi/transform_stack.h"
 
 #include <algorithm>
 #include <cmath>
@@ -117,48 +118,13 @@ std::uint32_t wireRgbOf(const AcCmEntityColor& color) {
     return rgb == kAcGsKeyColor ? 0xffffffU : rgb;
 }
 
-class Geometry : public AcGiWorldGeometry {
+class Geometry : public gi::TransformStackGeometry {
 public:
     Geometry(SnapshotDraw& draw, Painter& painter, Traits& traits, const AcDbDatabase& database)
       : draw_(draw)
       , painter_(painter)
       , traits_(traits)
       , colors_(database) {}
-
-    AcGeMatrix3d getModelToWorldTransform() const override {
-        return stack_.empty() ? AcGeMatrix3d() : stack_.back();
-    }
-    AcGeMatrix3d getWorldToModelTransform() const override {
-        return getModelToWorldTransform().inverse();
-    }
-    bool pushModelTransform(const AcGeVector3d& normal) override {
-        return pushModelTransform(AcGeMatrix3d::planeToWorld(normal));
-    }
-    bool pushModelTransform(const AcGeMatrix3d& matrix) override {
-        stack_.push_back(getModelToWorldTransform() * matrix);
-        return true;
-    }
-    bool popModelTransform() override {
-        if (stack_.empty()) {
-            return false;
-        }
-        stack_.pop_back();
-        return true;
-    }
-    // What keeps its size or direction on a screen has no place in a picture of the model.
-    AcGeMatrix3d pushPositionTransform(AcGiPositionTransformBehavior, const AcGePoint3d&) override {
-        return {};
-    }
-    AcGeMatrix3d pushPositionTransform(AcGiPositionTransformBehavior, const AcGePoint2d&) override {
-        return {};
-    }
-    AcGeMatrix3d pushScaleTransform(AcGiScaleTransformBehavior, const AcGePoint3d&) override {
-        return {};
-    }
-    AcGeMatrix3d pushScaleTransform(AcGiScaleTransformBehavior, const AcGePoint2d&) override {
-        return {};
-    }
-    AcGeMatrix3d pushOrientationTransform(AcGiOrientationTransformBehavior) override { return {}; }
 
     bool circle(const AcGePoint3d&, double, const AcGeVector3d&) override { return false; }
     bool circle(const AcGePoint3d&, const AcGePoint3d&, const AcGePoint3d&) override {
@@ -264,7 +230,6 @@ private:
     Painter& painter_;
     Traits& traits_;
     Colors colors_;
-    std::vector<AcGeMatrix3d> stack_;
     std::uint32_t face_rgb_ = 0, wire_rgb_ = 0;
     // Buffers that keep their memory from call to call.
     std::vector<AcGePoint3d> seen_;

@@ -1,5 +1,6 @@
 // The command line: commands, prompts, selection, documents.
 #include "tests/host/draw/drawing.h"
+#include "tests/host/draw/line_port.h"
 
 #include "host/db/curves.h"
 #include "host/ed/document.h"
@@ -11,22 +12,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 
 namespace {
-
-/// Plays lines and keeps what is written.
-struct ScriptPort : AcEdInputPort {
-    std::deque<std::string> lines;
-    std::string output;
-    std::optional<std::string> readLine(const std::string& prompt) override {
-        output += prompt;
-        if (lines.empty()) {
-            return std::nullopt;
-        }
-        std::string line = lines.front();
-        lines.pop_front();
-        return line;
-    }
-    void write(const std::string& text) override { output += text; }
-};
 
 std::vector<std::string> answers;
 
@@ -46,7 +31,7 @@ void first() { answers.push_back("first"); }
 void second() { answers.push_back("second"); }
 
 struct Commands : testing::Test {
-    ScriptPort port;
+    LinePort port;
     Commands() {
         acedReset();
         answers.clear();

@@ -1,5 +1,6 @@
 // Jigs sampled from lines of text.
 #include "tests/host/draw/drawing.h"
+#include "tests/host/draw/line_port.h"
 
 #include "host/db/curves.h"
 #include "host/ed/document.h"
@@ -14,21 +15,6 @@ using testing::HasSubstr;
 using testing::Not;
 
 namespace {
-
-struct LinePort : AcEdInputPort {
-    std::deque<std::string> lines;
-    std::string output;
-    std::optional<std::string> readLine(const std::string& prompt) override {
-        output += prompt;
-        if (lines.empty()) {
-            return std::nullopt;
-        }
-        std::string line = lines.front();
-        lines.pop_front();
-        return line;
-    }
-    void write(const std::string& text) override { output += text; }
-};
 
 /// A line from a fixed start to the sampled point.
 struct LineJig : AcEdJig {
