@@ -87,16 +87,34 @@ std::vector<float> picture_backing(const renderer::Scene& scene,
         boxes.push_back(box_of(pictures.back()));
     }
     const renderer::BoxTree tree(std::move(boxes));
-    for (const renderer::Mesh& mesh : scene.meshes) {
-        for (const auto& t : mesh.triangles) {
-            const std::array<Vec3, 3> corners{mesh.positions[t[0]], mesh.positions[t[1]],
-                                              mesh.positions[t[2]]};
-            renderer::AlignedBox box;
-            for (const Vec3 corner : corners) {
-                box.add(corner);
+    if (tree.empty()) {
+        return {};
+    }
+    const auto mark_all = [&](const std::vector<renderer::Mesh>& meshes, const auto& placed) {
+        for (const renderer::Mesh& mesh : meshes) {
+            for (const auto& t : mesh.triangles) {
+                const std::array<Vec3, 3> corners{placed(mesh.positions[t[0]]),
+                                                  placed(mesh.positions[t[1]]),
+                                                  placed(mesh.positions[t[2]])};
+                renderer::AlignedBox box;
+                for (const Vec3 corner : corners) {
+                    box.add(corner);
+                }
+                tree.visit(box, [&](std::uint32_t index) { mark(pictures[index], corners); });
             }
-            tree.visit(box, [&](std::uint32_t index) { mark(pictures[index], corners); });
         }
+    };
+    mark_all(scene.meshes, [](Vec3 p) { return p; });
+    for (const renderer::Instance& instance : scene.instances) {
+        if (!instance.takes_decals) {
+            continue;
+        }
+        const auto& m = instance.transform;
+        mark_all(scene.prototypes[instance.prototype].meshes, [&](Vec3 p) {
+            return Vec3{m[0][0] * p.x + m[0][1] * p.y + m[0][2] * p.z + m[0][3],
+                        m[1][0] * p.x + m[1][1] * p.y + m[1][2] * p.z + m[1][3],
+                        m[2][0] * p.x + m[2][1] * p.y + m[2][2] * p.z + m[2][3]};
+        });
     }
     std::vector<float> shares;
     for (Picture& picture : pictures) {

@@ -10,6 +10,7 @@
 #include "KestraBatch/scene_plants.h"
 #include "KestraBatch/stream_model.h"
 #include "KestraBatch/stream_reader.h"
+#include "platform/files.h"
 #include "platform/thread_priority.h"
 #include "renderer/renderer.h"
 
@@ -102,6 +103,10 @@ void fill_gaps(renderer::ChannelFilm& picture, const renderer::ChannelFilm& draf
         }
     }
 }
+
+/// Blocks that stand in several places are kept once, unless tests and measurements want it
+/// otherwise.
+bool wants_copies() { return platform::environment("QORVANE_COPIES") != "off"; }
 
 } // namespace
 
@@ -261,7 +266,15 @@ void RenderSession::Impl::work(bool go_on) {
 
 void RenderSession::Impl::build() {
     StreamModel model;
-    read_stream_file(folder.params.resolve(folder.params.geometry_file), model, warnings, {},
+    if (wants_copies()) {
+        model.find_copies();
+    }
+    const auto stream = folder.params.resolve(folder.params.geometry_file);
+    std::error_code unknown;
+    if (const auto bytes = std::filesystem::file_size(stream, unknown); !unknown) {
+        model.expect(bytes);
+    }
+    read_stream_file(stream, model, warnings, {},
                      [this](std::uint64_t) { return !control->stopped(); });
     publish_warnings(false);
     enter(SessionState::building);

@@ -236,7 +236,7 @@ void add_covers(const StreamModel& model, const SceneDescription& description,
         return;
     }
     const std::size_t most =
-        source.most_instances - std::min(source.most_instances, scene.instances.size());
+        source.most_instances - std::min(source.most_instances, planted(scene));
     const double whole = scatter.fill(most);
     if (whole >= 0) {
         warnings.add("cover-thinned",

@@ -10,26 +10,11 @@ namespace KestraBatch {
 
 namespace {
 
-bool finite(const Triple& t) {
-    return std::isfinite(t.x) && std::isfinite(t.y) && std::isfinite(t.z);
-}
-
 void measure(const StreamModel& model, SceneDescription& scene) {
     const double f = scene.metres_per_coordinate;
-    for (const Triple& p : model.positions) {
-        if (!finite(p)) {
-            continue;
-        }
-        const Triple m{p.x * f, p.y * f, p.z * f};
-        if (!scene.has_geometry) {
-            scene.low = scene.high = m;
-            scene.has_geometry = true;
-        }
-        scene.low = {std::min(scene.low.x, m.x), std::min(scene.low.y, m.y),
-                     std::min(scene.low.z, m.z)};
-        scene.high = {std::max(scene.high.x, m.x), std::max(scene.high.y, m.y),
-                      std::max(scene.high.z, m.z)};
-    }
+    scene.has_geometry = model.has_box;
+    scene.low = {model.low.x * f, model.low.y * f, model.low.z * f};
+    scene.high = {model.high.x * f, model.high.y * f, model.high.z * f};
 }
 
 Triple center_of(const SceneDescription& scene) {

@@ -3,6 +3,7 @@
 
 #include "KestraBatch/scene_covers.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <numbers>
@@ -93,14 +94,21 @@ private:
 
 } // namespace
 
+std::size_t planted(const renderer::Scene& scene) {
+    return static_cast<std::size_t>(
+        std::count_if(scene.instances.begin(), scene.instances.end(),
+                      [](const renderer::Instance& one) { return !one.takes_decals; }));
+}
+
 void add_plants(const StreamModel& model, const SceneDescription& description,
                 const PlantSource& source, renderer::Scene& scene, WarningList& warnings) {
     PlantDefinitions definitions(source.folder, source.stream, warnings);
     PlantShapes shapes(source.settings, source.grow, scene);
     PlantPlanter planter(description, source, definitions, shapes, scene, warnings);
     std::size_t left_out = 0;
+    const std::size_t others = scene.instances.size() - planted(scene);
     for (const PlantRecord& record : model.plants) {
-        if (scene.instances.size() >= source.most_instances) {
+        if (scene.instances.size() - others >= source.most_instances) {
             ++left_out;
         } else {
             planter.plant(record);

@@ -28,4 +28,7 @@ struct PlantSource {
 void add_plants(const StreamModel& model, const SceneDescription& description,
                 const PlantSource& source, renderer::Scene& scene, WarningList& warnings);
 
+/// How many instances of the scene are plants, and not copies of blocks.
+std::size_t planted(const renderer::Scene& scene);
+
 } // namespace KestraBatch

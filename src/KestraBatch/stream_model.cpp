@@ -20,6 +20,15 @@ bool finite(const Triple& t) {
 
 } // namespace
 
+void StreamModel::expect(std::uint64_t bytes) {
+    constexpr std::uint64_t bytes_a_vertex = 100, bytes_a_triangle = 200, bytes_a_mesh = 400;
+    constexpr std::uint64_t most = std::uint64_t{4} << 30;
+    const auto expected = static_cast<std::size_t>(std::min(bytes, most));
+    positions.reserve(expected / bytes_a_vertex);
+    triangles.reserve(expected / bytes_a_triangle);
+    meshes.reserve(expected / bytes_a_mesh);
+}
+
 std::uint32_t StreamModel::intern(std::string_view text) {
     const auto [at, added] =
         name_index_.try_emplace(std::string(text), static_cast<std::uint32_t>(names.size()));
@@ -57,6 +66,9 @@ void StreamModel::begin_block(std::string_view name) {
     const std::uint32_t parent = open_blocks_.empty() ? no_name : open_blocks_.back();
     open_blocks_.push_back(static_cast<std::uint32_t>(blocks.size()));
     blocks.push_back({intern(name), no_name, parent});
+    if (copies_) {
+        copies_->begin_block(*this);
+    }
     if (in_mesh_) {
         mesh().block = open_blocks_.back(); // brackets open late, behind a mesh's preamble
     }
@@ -66,7 +78,15 @@ void StreamModel::block_layer(std::string_view name) {
     blocks[open_blocks_.back()].layer = intern(name);
 }
 
-void StreamModel::end_block(std::string_view) { open_blocks_.pop_back(); }
+void StreamModel::end_block(std::string_view) {
+    open_blocks_.pop_back();
+    if (copies_) {
+        if (in_mesh_) {
+            copies_->keep_open_blocks();
+        }
+        copies_->end_block(*this);
+    }
+}
 
 void StreamModel::begin_mesh() {
     MeshRecord record;
@@ -142,6 +162,26 @@ void StreamModel::end_mesh() {
             normals.resize(mesh().first_normal);
         }
         meshes.pop_back();
+        return;
+    }
+    measure_mesh();
+    if (copies_) {
+        copies_->end_mesh(*this);
+    }
+}
+
+void StreamModel::measure_mesh() {
+    for (std::size_t i = mesh().first_vertex; i < positions.size(); ++i) {
+        const Triple& p = positions[i];
+        if (!finite(p)) {
+            continue;
+        }
+        if (!has_box) {
+            low = high = p;
+            has_box = true;
+        }
+        low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
+        high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
     }
 }
 

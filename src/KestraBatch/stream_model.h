@@ -2,10 +2,12 @@
 #pragma once
 
 #include "KestraBatch/read_error.h"
+#include "KestraBatch/stream_copies.h"
 #include "KestraBatch/stream_target.h"
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -43,6 +45,15 @@ struct BlockRecord {
     std::uint32_t name = no_name;  ///< index into names
     std::uint32_t layer = no_name; ///< index into names
     std::uint32_t parent = no_name;
+    std::uint32_t closing = no_name; ///< order in which the blocks ended
+};
+
+/// A block again, at another place. Where a StreamModel looks for copies, a block in `blocks` is
+/// what one or more of them are copies of, or stands alone.
+struct CopyRecord {
+    std::uint32_t original = 0;    ///< index into blocks
+    std::uint32_t block = no_name; ///< that it stands in; index into blocks
+    Similarity place;              ///< from the original's coordinates
 };
 
 /// One plant. What its records do not tell keeps the value that says so.
@@ -84,6 +95,7 @@ public:
     std::vector<std::array<std::uint32_t, 3>> triangles;
     std::vector<MeshRecord> meshes;
     std::vector<BlockRecord> blocks;
+    std::vector<CopyRecord> copies; ///< none unless they are looked for
     std::vector<PlantRecord> plants;
     std::vector<LightRecord> lights;
     std::vector<DecalRecord> decals;
@@ -92,6 +104,15 @@ public:
     std::unordered_map<std::int32_t, std::string> material_files;
     std::uint32_t face_color = 0xc8c8c8; ///< for meshes that nothing else colours
     std::size_t non_finite_vertices = 0;
+    bool has_box = false;
+    Triple low, high; ///< box of the finite vertices of all meshes, copies included
+
+    /// From now on blocks that are copies of earlier ones are kept as such: see CopyFinder.
+    void find_copies() { copies_.emplace(); }
+    /// Makes room for what a stream of so many bytes may hold, so that the arrays need not move
+    /// while they grow. Memory that is not used stays with the system.
+    void expect(std::uint64_t bytes);
+    bool is_in_mesh() const { return in_mesh_; }
 
     void comment(std::string_view text) override;
     void default_face_color(std::uint32_t color) override { face_color = color; }
@@ -125,11 +146,13 @@ public:
     void decal_triple(std::string_view keyword, const Triple& value) override;
     void decal_number(std::string_view keyword, double value) override;
     void end_decal(std::string_view file) override;
+    void end() override { copies_.reset(); }
 
 private:
     std::uint32_t intern(std::string_view text);
     MeshRecord& mesh() { return meshes.back(); }
     void start_normals();
+    void measure_mesh();
 
     std::unordered_map<std::string, std::uint32_t> name_index_;
     std::string pending_material_;
@@ -139,6 +162,7 @@ private:
     std::vector<std::uint32_t> open_blocks_;
     Triple pending_vertex_;
     std::array<float, 3> pending_normal_{};
+    std::optional<CopyFinder> copies_;
     bool has_pending_normal_ = false;
     bool in_mesh_ = false;
 };

@@ -4,6 +4,7 @@
 #include "renderer/bsdf.h"
 #include "renderer/placing.h"
 #include "renderer/sampling.h"
+#include "renderer/shared_places.h"
 #include "renderer/texture.h"
 #include "renderer/triangle_soup.h"
 
@@ -40,15 +41,6 @@ struct ShadowContext {
     int passed_count = 0;
 };
 
-/// The second query at a hit on coplanar faces: finds the earliest triangle of the place.
-struct CoplanarContext {
-    RTCIntersectContext embree;
-    const TriangleSoup* soup;
-    Vec3 normal;
-    std::uint64_t best; // geometry in the high word, triangle in the low one
-    float u, v;
-};
-
 struct RawHit {
     unsigned geometry, triangle;
     float u, v, distance;
@@ -65,6 +57,48 @@ struct Shape {
     const SoupTriangle& triangle(unsigned kind, unsigned index) const {
         return soup.lists[kind][index];
     }
+};
+
+/// What the queries go through.
+struct Shapes {
+    Shape world;
+    std::vector<Shape> prototypes;
+    std::vector<Placing> placings;     ///< by the number of their geometry, from first_instance on
+    std::vector<std::uint8_t> sharing; ///< placings some of whose faces may share their place
+
+    const Placing* placing(unsigned instance) const {
+        return instance == RTC_INVALID_GEOMETRY_ID ? nullptr : &placings[instance - first_instance];
+    }
+    const Shape& shape(const Placing* placing) const {
+        return placing == nullptr ? world : prototypes[placing->prototype()];
+    }
+    /// Whether the triangle may have others in its place.
+    bool is_shared(unsigned instance, const Shape& shape, const SoupTriangle& t) const {
+        return t.coplanar ||
+               (instance != RTC_INVALID_GEOMETRY_ID && sharing[instance - first_instance] != 0 &&
+                shape.soup.meshes[t.mesh].order != Mesh::no_order);
+    }
+};
+
+/// Which of the faces that share a place is seen: the lowest.
+struct PlaceKey {
+    std::uint64_t look, number;
+    auto operator<=>(const PlaceKey&) const = default; // NOLINT(modernize-use-nullptr)
+};
+
+PlaceKey key_of(const Shape& shape, unsigned kind, unsigned triangle, unsigned instance) {
+    const std::uint32_t order = shape.soup.meshes[shape.triangle(kind, triangle).mesh].order;
+    return {std::uint64_t{kind} << 32 | order,
+            std::uint64_t{instance + 1} << 32 | triangle}; // the scene's own have instance + 1 == 0
+}
+
+/// The second query at a hit on coplanar faces: finds the earliest triangle of the place.
+struct CoplanarContext {
+    RTCIntersectContext embree;
+    const Shapes* shapes;
+    Vec3 normal;
+    PlaceKey best;
+    RawHit hit;
 };
 
 Vec2 uv_at(const TriangleSoup& soup, const SoupTriangle& t, float u, float v) {
@@ -90,21 +124,31 @@ RTCRayHit make_ray_hit(const Ray& ray, float t_min) {
     return r;
 }
 
+Vec3 normal_in_scene(const Shape& shape, const Placing* placing, const SoupTriangle& t) {
+    const Vec3 normal = raw_normal(shape.soup, t);
+    return placing == nullptr ? normal : placing->normal_to_scene(normal);
+}
+
 void find_earliest_coplanar(const RTCFilterFunctionNArguments* args) {
     auto& context = *reinterpret_cast<CoplanarContext*>(args->context);
     const unsigned geometry = RTCHitN_geomID(args->hit, args->N, 0);
     const unsigned triangle = RTCHitN_primID(args->hit, args->N, 0);
     args->valid[0] = 0; // go on: all faces of the place are wanted
-    if (RTCHitN_instID(args->hit, args->N, 0, 0) != RTC_INVALID_GEOMETRY_ID)
-        return; // instances have no part in it
-    const SoupTriangle& t = context.soup->lists[geometry][triangle];
-    const std::uint64_t key = (std::uint64_t{geometry} << 32) | triangle;
-    if (!t.coplanar || key >= context.best ||
-        std::fabs(dot(raw_normal(*context.soup, t), context.normal)) < 0.999f)
+    const unsigned instance = RTCHitN_instID(args->hit, args->N, 0, 0);
+    const Placing* placing = context.shapes->placing(instance);
+    const Shape& shape = context.shapes->shape(placing);
+    const SoupTriangle& t = shape.triangle(geometry, triangle);
+    if (!context.shapes->is_shared(instance, shape, t))
+        return;
+    const PlaceKey key = key_of(shape, geometry, triangle, instance);
+    if (key >= context.best ||
+        std::fabs(dot(normal_in_scene(shape, placing, t), context.normal)) < 0.999f)
         return;
     context.best = key;
-    context.u = RTCHitN_u(args->hit, args->N, 0);
-    context.v = RTCHitN_v(args->hit, args->N, 0);
+    context.hit.geometry = geometry, context.hit.triangle = triangle;
+    context.hit.instance = instance;
+    context.hit.u = RTCHitN_u(args->hit, args->N, 0);
+    context.hit.v = RTCHitN_v(args->hit, args->N, 0);
 }
 
 /// A number from 0 to 1 that depends on the ray and the triangle alone: what is cut out by chance
@@ -173,9 +217,7 @@ void shade_cut_out(const RTCFilterFunctionNArguments* args) {
 
 struct Accel::Impl {
     DeviceHandle device; // before what is made by it, so that it goes last
-    Shape world;
-    std::vector<Shape> prototypes;
-    std::vector<Placing> placings; ///< by the number of their geometry, from first_instance on
+    Shapes shapes;
     std::vector<Material> materials;
     std::shared_ptr<const TextureSet> textures;
     std::optional<GroundPlane> ground;
@@ -185,6 +227,8 @@ struct Accel::Impl {
 
     void check_error(const char* step) const;
     void build(const Scene& scene);
+    void mark_coplanar(std::size_t material_count);
+    void measure_ground();
     void prepare(Shape& shape);
     void attach(Shape& shape, unsigned kind);
     void attach_instances();
@@ -255,14 +299,14 @@ void Accel::Impl::commit(const Shape& shape) const {
 }
 
 void Accel::Impl::attach_instances() {
-    for (std::size_t i = 0; i < placings.size(); ++i) {
-        const Placing& placing = placings[i];
+    for (std::size_t i = 0; i < shapes.placings.size(); ++i) {
+        const Placing& placing = shapes.placings[i];
         RTCGeometry geometry = rtcNewGeometry(device.get(), RTC_GEOMETRY_TYPE_INSTANCE);
         check_error("making an instance");
-        rtcSetGeometryInstancedScene(geometry, prototypes[placing.prototype()].scene.get());
+        rtcSetGeometryInstancedScene(geometry, shapes.prototypes[placing.prototype()].scene.get());
         rtcSetGeometryTransform(geometry, 0, RTC_FORMAT_FLOAT3X4_ROW_MAJOR, placing.rows());
         rtcCommitGeometry(geometry);
-        rtcAttachGeometryByID(world.scene.get(), geometry,
+        rtcAttachGeometryByID(shapes.world.scene.get(), geometry,
                               first_instance + static_cast<unsigned>(i));
         rtcReleaseGeometry(geometry);
     }
@@ -273,28 +317,62 @@ void Accel::Impl::build(const Scene& scene) {
     device.reset(rtcNewDevice(nullptr));
     if (!device)
         throw std::runtime_error("Embree: no device");
-    for (Shape& shape : prototypes) {
+    for (Shape& shape : shapes.prototypes) {
         prepare(shape);
         commit(shape);
     }
     for (std::uint32_t i = 0; i < scene.instances.size(); ++i) {
         const Placing placing(scene, i);
-        const TriangleSoup& soup = prototypes[placing.prototype()].soup;
+        const TriangleSoup& soup = shapes.prototypes[placing.prototype()].soup;
         if (soup.triangle_count() == 0)
             continue;
         placing.add_bounds(soup, bounds);
-        placings.push_back(placing);
+        shapes.placings.push_back(placing);
     }
-    prepare(world);
+    mark_coplanar(scene.materials.size());
+    prepare(shapes.world);
     attach_instances();
-    commit(world);
+    commit(shapes.world);
+}
+
+void Accel::Impl::mark_coplanar(std::size_t material_count) {
+    std::vector<const TriangleSoup*> soups;
+    mark_coplanar_triangles(shapes.world.soup, material_count);
+    for (Shape& shape : shapes.prototypes) {
+        const auto& meshes = shape.soup.meshes;
+        if (std::any_of(meshes.begin(), meshes.end(),
+                        [](const SoupMesh& m) { return m.order != Mesh::no_order; }))
+            mark_coplanar_triangles(shape.soup, material_count);
+        soups.push_back(&shape.soup);
+    }
+    shapes.sharing =
+        mark_coplanar_instances(shapes.world.soup, soups, shapes.placings, material_count);
+    for (const auto& list : shapes.world.soup.lists)
+        coplanar += static_cast<std::size_t>(std::count_if(
+            list.begin(), list.end(), [](const SoupTriangle& t) { return t.coplanar != 0; }));
+}
+
+/// Faces this near to the ground plane hide it. What is planted does not count: its size has
+/// nothing to do with how the drawing rounds.
+void Accel::Impl::measure_ground() {
+    float size = std::max({length(shapes.world.soup.low), length(shapes.world.soup.high),
+                           ground ? std::fabs(ground->elevation) : 0.0f, 1.0f});
+    for (const Placing& placing : shapes.placings) {
+        const TriangleSoup& soup = shapes.prototypes[placing.prototype()].soup;
+        if (soup.meshes.front().order == Mesh::no_order)
+            continue;
+        SceneBounds box;
+        placing.add_bounds(soup, box);
+        size = std::max({size, length(box.low), length(box.high)});
+    }
+    ground_tolerance = 2e-5f * size;
 }
 
 bool Accel::Impl::trace(const Ray& ray, RawHit& raw) const {
     RTCIntersectContext context;
     rtcInitIntersectContext(&context);
     alignas(16) RTCRayHit query = make_ray_hit(ray, 0);
-    rtcIntersect1(world.scene.get(), &context, &query);
+    rtcIntersect1(shapes.world.scene.get(), &context, &query);
     if (query.hit.geomID == RTC_INVALID_GEOMETRY_ID)
         return false;
     raw = {query.hit.geomID, query.hit.primID, query.hit.u,
@@ -303,16 +381,18 @@ bool Accel::Impl::trace(const Ray& ray, RawHit& raw) const {
 }
 
 void Accel::Impl::choose_coplanar(const Ray& ray, RawHit& raw) const {
-    const TriangleSoup& soup = world.soup;
-    const SoupTriangle& hit = world.triangle(raw.geometry, raw.triangle);
+    const Placing* placing = shapes.placing(raw.instance);
+    const Shape& shape = shapes.shape(placing);
+    const SoupTriangle& hit = shape.triangle(raw.geometry, raw.triangle);
     CoplanarContext context{};
     rtcInitIntersectContext(&context.embree);
     context.embree.filter = find_earliest_coplanar;
-    context.soup = &soup;
-    context.normal = raw_normal(soup, hit);
-    context.best = (std::uint64_t{raw.geometry} << 32) | raw.triangle;
-    context.u = raw.u, context.v = raw.v;
-    const Vec3 p = soup.positions[hit.vertices[0]];
+    context.shapes = &shapes;
+    context.normal = normal_in_scene(shape, placing, hit);
+    context.best = key_of(shape, raw.geometry, raw.triangle, raw.instance);
+    context.hit = raw;
+    const Vec3 corner = shape.soup.positions[hit.vertices[0]];
+    const Vec3 p = placing == nullptr ? corner : placing->point_to_scene(corner);
     const float size = std::max({std::fabs(p.x), std::fabs(p.y), std::fabs(p.z), raw.distance,
                                  std::fabs(ray.origin.x), std::fabs(ray.origin.y),
                                  std::fabs(ray.origin.z), 1e-3f});
@@ -321,10 +401,8 @@ void Accel::Impl::choose_coplanar(const Ray& ray, RawHit& raw) const {
     Ray around = ray;
     around.t_max = raw.distance + window;
     alignas(16) RTCRayHit query = make_ray_hit(around, std::max(0.0f, raw.distance - window));
-    rtcIntersect1(world.scene.get(), &context.embree, &query);
-    raw.geometry = static_cast<unsigned>(context.best >> 32);
-    raw.triangle = static_cast<unsigned>(context.best);
-    raw.u = context.u, raw.v = context.v;
+    rtcIntersect1(shapes.world.scene.get(), &context.embree, &query);
+    raw = context.hit;
 }
 
 float Accel::Impl::ground_distance(const Ray& ray) const {
@@ -419,11 +497,12 @@ void fill_in_frame(const Shape& shape, const RawHit& raw, Vec3 direction, Hit& h
 
 void Accel::Impl::fill(const Ray& ray, const RawHit& raw, Hit& hit) const {
     if (raw.instance == RTC_INVALID_GEOMETRY_ID) {
-        fill_in_frame(world, raw, ray.direction, hit);
+        fill_in_frame(shapes.world, raw, ray.direction, hit);
         return;
     }
-    const Placing& placing = placings[raw.instance - first_instance];
-    fill_in_frame(prototypes[placing.prototype()], raw, placing.to_prototype(ray.direction), hit);
+    const Placing& placing = shapes.placings[raw.instance - first_instance];
+    fill_in_frame(shapes.prototypes[placing.prototype()], raw, placing.to_prototype(ray.direction),
+                  hit);
     placing.to_scene(hit);
 }
 
@@ -437,24 +516,19 @@ Accel::Accel(const Scene& scene, std::shared_ptr<const TextureSet> textures)
         throw std::invalid_argument("ground plane: its elevation is not finite");
     Impl& impl = *impl_;
     check_materials(scene);
-    TriangleSoup& soup = impl.world.soup;
+    TriangleSoup& soup = impl.shapes.world.soup;
     soup = make_triangle_soup(scene.meshes, scene.materials);
     impl.materials = scene.materials;
     impl.textures = textures ? std::move(textures) : std::make_shared<TextureSet>(scene.textures);
     impl.ground = scene.ground;
     impl.bounds = {soup.low, soup.high, soup.triangle_count() == 0};
-    impl.prototypes.resize(scene.prototypes.size());
+    impl.shapes.prototypes.resize(scene.prototypes.size());
     for (std::size_t i = 0; i < scene.prototypes.size(); ++i)
-        impl.prototypes[i].soup = make_triangle_soup(scene.prototypes[i].meshes, scene.materials,
-                                                     "prototype " + std::to_string(i) + ", ");
-    const float size = std::max({length(soup.low), length(soup.high),
-                                 impl.ground ? std::fabs(impl.ground->elevation) : 0.0f, 1.0f});
-    impl.ground_tolerance = 2e-5f * size;
-    mark_coplanar_triangles(soup, scene.materials.size());
-    for (const auto& list : soup.lists)
-        impl.coplanar += static_cast<std::size_t>(std::count_if(
-            list.begin(), list.end(), [](const SoupTriangle& t) { return t.coplanar != 0; }));
+        impl.shapes.prototypes[i].soup =
+            make_triangle_soup(scene.prototypes[i].meshes, scene.materials,
+                               "prototype " + std::to_string(i) + ", ", false);
     impl.build(scene);
+    impl.measure_ground();
 }
 
 Accel::~Accel() = default;
@@ -471,8 +545,8 @@ bool Accel::intersect(const Ray& ray, Hit& hit) const {
         impl_->fill_ground(ray, plane, hit);
         return true;
     }
-    if (raw.instance == RTC_INVALID_GEOMETRY_ID &&
-        impl_->world.triangle(raw.geometry, raw.triangle).coplanar)
+    const Shape& shape = impl_->shapes.shape(impl_->shapes.placing(raw.instance));
+    if (impl_->shapes.is_shared(raw.instance, shape, shape.triangle(raw.geometry, raw.triangle)))
         impl_->choose_coplanar(ray, raw);
     impl_->fill(ray, raw, hit);
     // Floors that lie in the ground plane are seen, not the plane.
@@ -488,7 +562,7 @@ Rgb Accel::transmittance(const Ray& ray) const {
     ShadowContext context;
     rtcInitIntersectContext(&context.embree);
     alignas(16) RTCRay query = make_ray_hit(ray, 0).ray;
-    rtcOccluded1(impl_->world.scene.get(), &context.embree, &query);
+    rtcOccluded1(impl_->shapes.world.scene.get(), &context.embree, &query);
     return query.tfar < 0 ? Rgb{0, 0, 0} : context.transmittance;
 }
 
@@ -520,7 +594,7 @@ Vec3 Accel::leave(const Hit& hit, Vec3 direction) const {
 std::vector<HeldTriangle> Accel::triangles_of(const std::vector<bool>& wanted,
                                               std::size_t most) const {
     std::vector<HeldTriangle> held;
-    const TriangleSoup& soup = impl_->world.soup;
+    const TriangleSoup& soup = impl_->shapes.world.soup;
     for (const auto* list : {&soup.lists[opaque_kind], &soup.lists[glass_kind]})
         for (std::size_t i = 0; i < list->size(); ++i) {
             const SoupTriangle& t = (*list)[i];
@@ -542,14 +616,14 @@ std::vector<HeldTriangle> Accel::triangles_of(const std::vector<bool>& wanted,
 const SceneBounds& Accel::bounds() const { return impl_->bounds; }
 const TextureSet& Accel::textures() const { return *impl_->textures; }
 std::size_t Accel::triangle_count() const {
-    std::size_t count = impl_->world.soup.triangle_count();
-    for (const Shape& shape : impl_->prototypes)
+    std::size_t count = impl_->shapes.world.soup.triangle_count();
+    for (const Shape& shape : impl_->shapes.prototypes)
         count += shape.soup.triangle_count();
     return count;
 }
 std::size_t Accel::skipped_triangle_count() const {
-    std::size_t count = impl_->world.soup.skipped;
-    for (const Shape& shape : impl_->prototypes)
+    std::size_t count = impl_->shapes.world.soup.skipped;
+    for (const Shape& shape : impl_->shapes.prototypes)
         count += shape.soup.skipped;
     return count;
 }
@@ -564,7 +638,7 @@ bool Accel::bare_occluded(const Ray& ray) const {
     ShadowContext context; // filters of glass write into it
     rtcInitIntersectContext(&context.embree);
     alignas(16) RTCRay query = make_ray_hit(ray, 0).ray;
-    rtcOccluded1(impl_->world.scene.get(), &context.embree, &query);
+    rtcOccluded1(impl_->shapes.world.scene.get(), &context.embree, &query);
     return query.tfar < 0;
 }
 

@@ -45,8 +45,8 @@ public:
     Accel& operator=(Accel&&) noexcept;
 
     /// Finds the nearest surface within ray.t_max; false and an untouched hit when there is none.
-    /// Where faces of several meshes lie in one plane, the earliest mesh answers everywhere;
-    /// instances have no part in that. Where a face is cut out by its texture's alpha, chance
+    /// Where faces of several meshes lie in one plane, the one of the lowest order answers
+    /// everywhere: see Mesh::order. Where a face is cut out by its texture's alpha, chance
     /// decides, the same for equal rays.
     bool intersect(const Ray& ray, Hit& hit) const;
 

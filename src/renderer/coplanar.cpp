@@ -1,186 +1,19 @@
 // Marks triangles that lie in one plane with, and over, triangles of meshes that look different.
-#include "renderer/triangle_soup.h"
+#include "renderer/face_tree.h"
+#include "renderer/shared_places.h"
 
-#include "renderer/ray.h"
+#include "renderer/box_tree.h"
 
 #include <tbb/blocked_range.h>
 #include <tbb/parallel_for.h>
 
 #include <algorithm>
+#include <atomic>
+#include <optional>
 
 namespace renderer {
 
 namespace {
-
-constexpr std::uint32_t mixed_looks = 0xffffffffu;
-constexpr std::uint32_t leaf_size = 4;
-
-struct Box {
-    Vec3 low{infinity, infinity, infinity}, high{-infinity, -infinity, -infinity};
-    void add(Vec3 p) {
-        low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
-        high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
-    }
-    bool overlaps(const Box& b, float slack) const {
-        return low.x <= b.high.x + slack && b.low.x <= high.x + slack &&
-               low.y <= b.high.y + slack && b.low.y <= high.y + slack &&
-               low.z <= b.high.z + slack && b.low.z <= high.z + slack;
-    }
-};
-
-/// A triangle as the search sees it.
-struct Face {
-    Vec3 corners[3];
-    Vec3 normal; ///< unit
-    float plane; ///< dot(normal, point of the plane)
-    float slack; ///< metres within which two planes count as one
-    std::uint32_t look;
-    Box box;
-
-    float off_plane(Vec3 p) const { return std::fabs(dot(normal, p) - plane); }
-    bool holds(const Face& other, float tolerance) const {
-        return std::all_of(other.corners, other.corners + 3,
-                           [&](Vec3 p) { return off_plane(p) <= tolerance; });
-    }
-};
-
-/// Meshes without normals look alike when their material is the same; shaded ones never do.
-std::uint32_t look_of(const TriangleSoup& soup, std::uint32_t mesh, std::size_t materials) {
-    const SoupMesh& m = soup.meshes[mesh];
-    return m.has_normals ? static_cast<std::uint32_t>(materials) + mesh : m.material;
-}
-
-Face make_face(const TriangleSoup& soup, const SoupTriangle& t, std::size_t materials) {
-    Face face;
-    float largest = 0;
-    for (int i = 0; i < 3; ++i) {
-        const Vec3 p = face.corners[i] = soup.positions[t.vertices[i]];
-        largest = std::max({largest, std::fabs(p.x), std::fabs(p.y), std::fabs(p.z)});
-        face.box.add(p);
-    }
-    face.normal =
-        normalize(cross(face.corners[1] - face.corners[0], face.corners[2] - face.corners[0]));
-    face.plane = dot(face.normal, face.corners[0]);
-    face.slack = 1e-6f * largest; // some sixteen roundings of a coordinate
-    face.look = look_of(soup, t.mesh, materials);
-    return face;
-}
-
-/// True when some line along an edge of `a` has all of `b` on its far side.
-bool is_separated_by_edge(const Face& a, const Face& b, float tolerance) {
-    for (int i = 0; i < 3; ++i) {
-        const Vec3 from = a.corners[i];
-        const Vec3 outward = normalize(cross(a.corners[(i + 1) % 3] - from, a.normal));
-        if (std::all_of(b.corners, b.corners + 3,
-                        [&](Vec3 p) { return dot(p - from, outward) >= -tolerance; }))
-            return true;
-    }
-    return false;
-}
-
-bool share_their_place(const Face& a, const Face& b) {
-    if (a.look == b.look || std::fabs(dot(a.normal, b.normal)) < 0.999f)
-        return false;
-    const float slack = std::max(a.slack, b.slack);
-    if (!a.holds(b, slack) && !b.holds(a, slack))
-        return false;
-    return !is_separated_by_edge(a, b, 4 * slack) && !is_separated_by_edge(b, a, 4 * slack);
-}
-
-/// A tree of boxes over the faces, split at the median.
-class FaceTree {
-public:
-    explicit FaceTree(const std::vector<Face>& faces)
-      : faces_(faces)
-      , order_(faces.size()) {
-        for (std::uint32_t i = 0; i < order_.size(); ++i)
-            order_[i] = i;
-        nodes_.reserve(2 * faces.size() / leaf_size + 2);
-        build(0, static_cast<std::uint32_t>(order_.size()));
-    }
-
-    /// Whether some face of another look lies in the place of `face`.
-    bool is_shared(const Face& face) const {
-        std::uint32_t stack[64];
-        int size = 0;
-        stack[size++] = 0;
-        while (size > 0) {
-            const Node& node = nodes_[stack[--size]];
-            if (node.look == face.look || !node.box.overlaps(face.box, 2 * face.slack) ||
-                is_off_plane(node.box, face))
-                continue;
-            if (node.count > 0) {
-                for (std::uint32_t i = node.first; i < node.first + node.count; ++i)
-                    if (share_their_place(face, faces_[order_[i]]))
-                        return true;
-            } else {
-                stack[size++] = node.first;
-                stack[size++] = node.second;
-            }
-        }
-        return false;
-    }
-
-private:
-    struct Node {
-        Box box;
-        std::uint32_t look = mixed_looks;
-        std::uint32_t first = 0, second = 0; ///< children, or the first face of a leaf
-        std::uint32_t count = 0;             ///< faces of a leaf, 0 for an inner node
-    };
-
-    static bool is_off_plane(const Box& box, const Face& face) {
-        const Vec3 centre = (box.low + box.high) * 0.5f, half = (box.high - box.low) * 0.5f;
-        const Vec3 n = face.normal;
-        const float reach =
-            std::fabs(n.x) * half.x + std::fabs(n.y) * half.y + std::fabs(n.z) * half.z;
-        return face.off_plane(centre) > reach + 4 * face.slack;
-    }
-
-    std::uint32_t build(std::uint32_t begin, std::uint32_t end) {
-        const auto index = static_cast<std::uint32_t>(nodes_.size());
-        nodes_.emplace_back();
-        Node node;
-        node.look = faces_[order_[begin]].look;
-        for (std::uint32_t i = begin; i < end; ++i) {
-            const Face& face = faces_[order_[i]];
-            node.box.add(face.box.low);
-            node.box.add(face.box.high);
-            if (face.look != node.look)
-                node.look = mixed_looks;
-        }
-        if (end - begin <= leaf_size) {
-            node.first = begin;
-            node.count = end - begin;
-        } else {
-            const std::uint32_t middle = split(node.box, begin, end);
-            node.first = build(begin, middle);
-            node.second = build(middle, end);
-        }
-        nodes_[index] = node;
-        return index;
-    }
-
-    std::uint32_t split(const Box& box, std::uint32_t begin, std::uint32_t end) {
-        const Vec3 size = box.high - box.low;
-        float Vec3::*axis = &Vec3::x;
-        if (size.y > size.x && size.y >= size.z)
-            axis = &Vec3::y;
-        else if (size.z > size.x)
-            axis = &Vec3::z;
-        const std::uint32_t middle = begin + (end - begin) / 2;
-        std::nth_element(order_.begin() + begin, order_.begin() + middle, order_.begin() + end,
-                         [&](std::uint32_t a, std::uint32_t b) {
-                             const Box &p = faces_[a].box, &q = faces_[b].box;
-                             return p.low.*axis + p.high.*axis < q.low.*axis + q.high.*axis;
-                         });
-        return middle;
-    }
-
-    const std::vector<Face>& faces_;
-    std::vector<std::uint32_t> order_;
-    std::vector<Node> nodes_;
-};
 
 /// The triangle that stands at `index` when the lists are one behind the other.
 SoupTriangle& triangle_at(TriangleSoup& soup, std::size_t index) {
@@ -209,6 +42,108 @@ void mark_coplanar_triangles(TriangleSoup& soup, std::size_t materials) {
                               triangle_at(soup, i).coplanar = tree.is_shared(faces[i]) ? 1 : 0;
                           }
                       });
+}
+
+namespace {
+
+/// Faces of one prototype and their tree; the tree refers to the faces.
+struct PrototypeFaces {
+    std::vector<Face> faces;
+    std::optional<FaceTree> tree;
+};
+
+std::vector<PrototypeFaces> gather_faces(const std::vector<const TriangleSoup*>& prototypes,
+                                         std::size_t materials) {
+    std::vector<PrototypeFaces> all(prototypes.size());
+    for (std::size_t i = 0; i < prototypes.size(); ++i) {
+        const TriangleSoup& soup = *prototypes[i];
+        for (const auto& list : soup.lists)
+            for (const SoupTriangle& t : list)
+                if (soup.meshes[t.mesh].order != Mesh::no_order)
+                    all[i].faces.push_back(make_face(soup, t, materials));
+        if (!all[i].faces.empty())
+            all[i].tree.emplace(all[i].faces);
+    }
+    return all;
+}
+
+/// Room for the roundings of a box's corners.
+AlignedBox with_slack(AlignedBox box) {
+    float largest = 0;
+    for (const Vec3 p : {box.low, box.high})
+        largest = std::max({largest, std::fabs(p.x), std::fabs(p.y), std::fabs(p.z)});
+    const float slack = 4e-6f * largest;
+    const Vec3 all{slack, slack, slack};
+    return {box.low - all, box.high + all};
+}
+
+/// A face of the world as a prototype's faces see it.
+Face face_in_prototype(const Face& face, const Placing& placing) {
+    Face moved = face;
+    moved.box = {};
+    for (Vec3& p : moved.corners) {
+        p = placing.point_to_prototype(p);
+        moved.box.add(p);
+    }
+    moved.normal = placing.to_prototype(face.normal);
+    moved.plane = dot(moved.normal, moved.corners[0]);
+    moved.slack = face.slack / placing.scale();
+    return moved;
+}
+
+} // namespace
+
+std::vector<std::uint8_t>
+mark_coplanar_instances(TriangleSoup& world, const std::vector<const TriangleSoup*>& prototypes,
+                        const std::vector<Placing>& placings, std::size_t materials) {
+    std::vector<std::uint8_t> marked(placings.size(), 0);
+    const std::vector<PrototypeFaces> faces = gather_faces(prototypes, materials);
+    std::vector<std::uint32_t> taking_part;
+    std::vector<AlignedBox> boxes;
+    for (std::uint32_t i = 0; i < placings.size(); ++i) {
+        if (!faces[placings[i].prototype()].tree)
+            continue;
+        SceneBounds bounds;
+        placings[i].add_bounds(*prototypes[placings[i].prototype()], bounds);
+        taking_part.push_back(i);
+        boxes.push_back(with_slack({bounds.low, bounds.high}));
+    }
+    if (taking_part.empty())
+        return marked;
+    const BoxTree tree(boxes);
+    const auto faces_of = [&](std::uint32_t box) -> const PrototypeFaces& {
+        return faces[placings[taking_part[box]].prototype()];
+    };
+    const auto mark = [&](std::uint32_t box) {
+        std::atomic_ref(marked[taking_part[box]]).store(1, std::memory_order_relaxed);
+    };
+    // Two instances whose boxes meet may have faces in one plane; looking closer is not worth it.
+    tbb::parallel_for(std::uint32_t{0}, static_cast<std::uint32_t>(boxes.size()),
+                      [&](std::uint32_t i) {
+                          const std::uint32_t look = faces_of(i).tree->look();
+                          tree.visit(boxes[i], [&](std::uint32_t other) {
+                              if (other != i && (look == mixed_looks || look >= materials ||
+                                                 faces_of(other).tree->look() != look))
+                                  mark(i);
+                          });
+                      });
+    tbb::parallel_for(
+        tbb::blocked_range<std::size_t>(0, world.triangle_count(), 256), [&](const auto& range) {
+            for (std::size_t i = range.begin(); i < range.end(); ++i) {
+                SoupTriangle& t = triangle_at(world, i);
+                Face face = make_face(world, t, materials);
+                if (face.look >= materials)
+                    face.look += 0x40000000u; // no mesh of a prototype has that look
+                tree.visit({face.box.low, face.box.high}, [&](std::uint32_t box) {
+                    const Placing& placing = placings[taking_part[box]];
+                    if (faces_of(box).tree->is_shared(face_in_prototype(face, placing))) {
+                        t.coplanar = 1;
+                        mark(box);
+                    }
+                });
+            }
+        });
+    return marked;
 }
 
 } // namespace renderer

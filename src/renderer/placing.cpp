@@ -24,7 +24,8 @@ float largest(Vec3 v) { return std::max({std::fabs(v.x), std::fabs(v.y), std::fa
 Placing::Placing(const Scene& scene, std::uint32_t instance)
   : rows_(scene.instances[instance].transform)
   , prototype_(scene.instances[instance].prototype)
-  , instance_(instance) {
+  , instance_(instance)
+  , takes_decals_(scene.instances[instance].takes_decals) {
     const auto reject = [&](const char* what) {
         throw std::invalid_argument("instance " + std::to_string(instance) + ": " + what);
     };
@@ -55,8 +56,18 @@ Vec3 Placing::to_prototype(Vec3 direction) const {
                       dot(column(rows_, 2), direction)});
 }
 
+Vec3 Placing::point_to_prototype(Vec3 p) const {
+    const Vec3 from = p - column(rows_, 3);
+    return Vec3{dot(column(rows_, 0), from), dot(column(rows_, 1), from),
+                dot(column(rows_, 2), from)} /
+           (scale_ * scale_);
+}
+
+Vec3 Placing::normal_to_scene(Vec3 normal) const { return normalize(turn(normal)); }
+
 void Placing::to_scene(Hit& hit) const {
     hit.instance = instance_;
+    hit.takes_decals = takes_decals_;
     hit.position = point(hit.position);
     hit.lifted = point(hit.lifted);
     hit.geometric_normal = normalize(turn(hit.geometric_normal));

@@ -16,7 +16,12 @@ public:
     std::uint32_t prototype() const { return prototype_; }
     const float* rows() const { return rows_[0].data(); } ///< 3 by 4, row by row
 
+    float scale() const { return scale_; }
+
     Vec3 to_prototype(Vec3 direction) const; ///< a unit vector, and one comes out
+    Vec3 point_to_prototype(Vec3 p) const;
+    Vec3 point_to_scene(Vec3 p) const { return point(p); }
+    Vec3 normal_to_scene(Vec3 normal) const; ///< a unit vector, and one comes out
     void to_scene(Hit& hit) const;           ///< of a hit in the prototype's frame
     /// Takes the box of the prototype's triangles into `bounds`.
     void add_bounds(const TriangleSoup& soup, SceneBounds& bounds) const;
@@ -29,6 +34,7 @@ private:
     float scale_ = 1;
     float reach_ = 0; ///< metres; largest part of the way from the scene's origin
     std::uint32_t prototype_ = 0, instance_ = 0;
+    bool takes_decals_ = false;
 };
 
 } // namespace renderer

@@ -27,6 +27,7 @@ struct Hit {
     float distance = infinity; ///< metres along the ray
     std::uint32_t mesh = 0;    ///< index into the meshes of scene or prototype, or `ground_mesh`
     std::uint32_t instance = no_instance; ///< index into Scene::instances
+    bool takes_decals = true;             ///< false on instances that take none
     std::uint32_t triangle = 0;           ///< index among the triangles that were kept
     std::uint32_t material = 0;           ///< index into Scene::materials
     Vec3 position;                        ///< on the surface, from the barycentric coordinates

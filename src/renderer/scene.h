@@ -20,6 +20,11 @@ struct Mesh {
     std::vector<Vec2> uvs;                               ///< empty, or one a position
     std::vector<std::array<std::uint32_t, 3>> triangles; ///< indices into positions
     std::uint32_t material = 0;                          ///< index into Scene::materials
+    /// Where faces of several meshes lie in one plane, the mesh of the lowest order is seen. Meshes
+    /// of the scene without one come behind all others, in their own order; those of a prototype
+    /// take no part.
+    static constexpr std::uint32_t no_order = 0xffffffffu;
+    std::uint32_t order = no_order; ///< below 2^31
 };
 
 /// A surface: a diffuse base under a dielectric coat (GGX), or a metal, or thin/solid glass.
@@ -51,9 +56,9 @@ struct Texture {
 };
 
 /// A picture laid onto whatever surface lies in its box: from `origin`, the picture's lower left
-/// corner, along both axes, and `depth` to each side of their plane. It covers meshes and ground,
-/// but no instances; shadow rays through glass know nothing of it. It covers the glow of what is
-/// below it.
+/// corner, along both axes, and `depth` to each side of their plane. It covers meshes, ground and
+/// the instances that take decals; shadow rays through glass know nothing of it. It covers the glow
+/// of what is below it.
 struct Decal {
     Vec3 origin{0, 0, 0};
     Vec3 x_axis{1, 0, 0}, y_axis{0, 1, 0}; ///< metres; the whole picture
@@ -74,6 +79,7 @@ struct Instance {
     /// Rows of a 3 by 4 matrix, prototype to scene: rotation with one scale for all axes, or a
     /// mirror of it.
     std::array<std::array<float, 4>, 3> transform{{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}}};
+    bool takes_decals = false;
 };
 
 /// The sun as a disc of uniform radiance.

@@ -106,8 +106,7 @@ const Material& SurfaceLooks::at(const Hit& hit, Vec3 direction, float width, Ma
                                  DecalGlow& glow) const {
     const Material& plain = materials_[hit.material];
     std::array<std::uint32_t, most_at_a_point> found;
-    const int decals =
-        tree_.empty() || hit.instance != Hit::no_instance ? 0 : decals_at(hit.position, found);
+    const int decals = tree_.empty() || !hit.takes_decals ? 0 : decals_at(hit.position, found);
     if (plain.texture < 0 && decals == 0)
         return plain;
     // the side of the square that has as much area as what the ray sees of the surface

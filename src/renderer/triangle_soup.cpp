@@ -60,7 +60,8 @@ bool has_area(Vec3 a, Vec3 b, Vec3 c) {
 
 void add_mesh(TriangleSoup& soup, const Mesh& mesh, const Material& material, std::uint32_t index) {
     const auto first = static_cast<std::uint32_t>(soup.positions.size());
-    soup.meshes.push_back({mesh.material, first, !mesh.normals.empty(), !mesh.uvs.empty()});
+    soup.meshes.push_back(
+        {mesh.material, first, !mesh.normals.empty(), !mesh.uvs.empty(), Mesh::no_order});
     auto& list = soup.lists[kind_of(material, mesh)];
     for (const auto& t : mesh.triangles) {
         const Vec3 corners[] = {mesh.positions[t[0]], mesh.positions[t[1]], mesh.positions[t[2]]};
@@ -114,7 +115,8 @@ void check_materials(const Scene& scene) {
 }
 
 TriangleSoup make_triangle_soup(const std::vector<Mesh>& meshes,
-                                const std::vector<Material>& materials, const std::string& owner) {
+                                const std::vector<Material>& materials, const std::string& owner,
+                                bool all_have_order) {
     constexpr std::size_t most = std::numeric_limits<std::int32_t>::max();
     std::size_t vertices = 0;
     for (std::size_t i = 0; i < meshes.size(); ++i) {
@@ -124,11 +126,19 @@ TriangleSoup make_triangle_soup(const std::vector<Mesh>& meshes,
     if (vertices > most || meshes.size() > most)
         throw std::invalid_argument("scene: more than 2147483647 vertices or meshes");
     TriangleSoup soup;
-    soup.positions.reserve(vertices);
+    soup.positions.reserve(vertices + 1); // one more for the padding, see Accel
+    std::array<std::size_t, triangle_kinds> triangles{};
+    for (const Mesh& mesh : meshes)
+        triangles[kind_of(materials[mesh.material], mesh)] += mesh.triangles.size();
+    for (std::size_t kind = 0; kind < triangles.size(); ++kind)
+        soup.lists[kind].reserve(triangles[kind]);
     soup.low = Vec3{1, 1, 1} * infinity;
     soup.high = Vec3{1, 1, 1} * -infinity;
     for (std::uint32_t i = 0; i < meshes.size(); ++i)
         add_mesh(soup, meshes[i], materials[meshes[i].material], i);
+    for (std::uint32_t i = 0; i < meshes.size(); ++i)
+        soup.meshes[i].order =
+            meshes[i].order == Mesh::no_order && all_have_order ? 0x80000000u + i : meshes[i].order;
     add_attributes(soup, meshes);
     if (soup.triangle_count() == 0)
         soup.low = soup.high = {0, 0, 0};

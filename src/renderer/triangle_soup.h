@@ -22,6 +22,7 @@ struct SoupMesh {
     std::uint32_t first_vertex = 0; ///< of the mesh's own vertices in the soup
     bool has_normals = false;
     bool has_uvs = false;
+    std::uint32_t order = Mesh::no_order; ///< where faces share their place; no_order: no part
 };
 
 /// How rays treat a triangle. Where faces share their place, an earlier kind comes before a later.
@@ -47,11 +48,12 @@ struct TriangleSoup {
 void check_materials(const Scene& scene);
 
 /// Gathers the triangles and checks the meshes, whose materials have been checked. `owner` tells
-/// whose meshes they are, for messages. Throws std::invalid_argument for indices out of range, and
+/// whose meshes they are, for messages; with `all_have_order` meshes without an order get one, by
+/// their place and behind all others. Throws std::invalid_argument for indices out of range, and
 /// normals or uvs that are not one a position.
 TriangleSoup make_triangle_soup(const std::vector<Mesh>& meshes,
                                 const std::vector<Material>& materials,
-                                const std::string& owner = {});
+                                const std::string& owner = {}, bool all_have_order = true);
 
 /// Marks the triangles that lie in one plane with and overlap a triangle of a mesh that looks
 /// different: another material, or normals of its own. Takes about n log n time on all cores.
