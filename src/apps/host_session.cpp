@@ -3,6 +3,7 @@
 
 #include "apps/exit_codes.h"
 #include "apps/picture_loader.h"
+#include "host/db/references.h"
 #include "host/rx/module.h"
 #include "platform/files.h"
 
@@ -113,6 +114,15 @@ HostSession::~HostSession() {
     acrxUnloadAllModules();
     acDocManager()->closeAll();
     set_window_port(std::move(old_window_port_));
+}
+
+void HostSession::load_references() {
+    const Acad::ErrorStatus status =
+        acdbResolveXrefs(database(), [](auto, auto) { return interrupts_received() == 0; });
+    if (status != Acad::eOk) {
+        throw Failure{exit_code_of(status),
+                      fmt::format("{}: loading its external references was cancelled", drawing_)};
+    }
 }
 
 void HostSession::load_add_on() {

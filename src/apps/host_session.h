@@ -52,6 +52,9 @@ public:
     HostSession& operator=(const HostSession&) = delete;
 
     AcDbDatabase& database() { return *acDocManager()->curDocument()->database(); }
+    /// Loads the drawings that the drawing refers to. Throws Failure when it is interrupted or
+    /// memory ends; what cannot be found or read is for the draw report.
+    void load_references();
     /// Loads the add-on that stands beside the program. Throws Failure.
     void load_add_on();
     /// The address of an exported function of the add-on. Throws Failure when it has none.

@@ -1,6 +1,8 @@
 // Facts of a drawing as JSON.
 #include "apps/inspect_json.h"
 
+#include "apps/draw_report_text.h"
+
 #include <cmath>
 
 #include <fmt/format.h>
@@ -23,18 +25,6 @@ json layers_json(const dxf::DrawingFacts& facts) {
     return result;
 }
 
-json not_rendered_json(const dxf::DrawingFacts& facts) {
-    json result = json::array();
-    for (const auto& [reason, found] : facts.not_rendered) {
-        json handles = json::array();
-        for (const std::uint64_t handle : found.handles) {
-            handles.push_back(fmt::format("{:X}", handle));
-        }
-        result.push_back({{"code", reason}, {"count", found.count}, {"handles", handles}});
-    }
-    return result;
-}
-
 json findings_json(const std::vector<AcDbLoadFinding>& findings) {
     json result = json::array();
     for (const AcDbLoadFinding& finding : findings) {
@@ -49,7 +39,8 @@ json findings_json(const std::vector<AcDbLoadFinding>& findings) {
 
 } // namespace
 
-std::string facts_as_json(const dxf::DrawingFacts& facts) {
+std::string facts_as_json(const dxf::DrawingFacts& facts, const AcDbDrawReport& report,
+                          const std::vector<const AcDbXref*>& xrefs) {
     json result = {
         {"acadver", facts.acadver},
         {"file_version", facts.file_version},
@@ -62,7 +53,10 @@ std::string facts_as_json(const dxf::DrawingFacts& facts) {
         {"materials", facts.materials},
         {"views", facts.views},
         {"lights", facts.lights},
-        {"not_rendered", not_rendered_json(facts)},
+        {"not_drawn", draw_rows_json(report.not_drawn)},
+        {"approximate", draw_rows_json(report.approximate)},
+        {"hidden", report.hidden},
+        {"external_references", xrefs_json(xrefs)},
         {"report",
          {{"repaired", findings_json(facts.report.repaired)},
           {"lost", findings_json(facts.report.lost)},

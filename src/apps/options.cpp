@@ -60,6 +60,11 @@ std::string take_preset(Options& options, const std::string& value) {
                : "presets are exterior, interior, interior-no-sun, hdri, high-dynamic";
 }
 
+std::string take_facets(Options& options, const std::string& value) {
+    options.facets = value;
+    return value == "drawing" || value == "camera" ? "" : "facets are drawing or camera";
+}
+
 std::string take_progress(Options& options, const std::string& value) {
     options.progress = value;
     return value == "auto" || value == "tty" || value == "ndjson" || value == "none"
@@ -151,6 +156,10 @@ constexpr std::array kFlags{
             kRender | kExtract, take_preset, "exterior interior interior-no-sun hdri high-dynamic"},
     FlagRow{"--material", "KEY=FILE", "a material file for a layer, colour or block", kRender,
             take_material, ""},
+    FlagRow{"--facets", "KIND",
+            "how finely curves are drawn: by the drawing's own measure, or as the camera sees "
+            "them: drawing or camera (default drawing)",
+            kRender | kExtract, take_facets, "drawing camera"},
     FlagRow{"-D", "NAME=VALUE", "set a setting for this render", kRender | kExtract, take_global,
             ""},
     FlagRow{"--batch-folder", "DIR", "where the batch folder is written", kRender | kExtract,

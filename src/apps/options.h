@@ -54,6 +54,7 @@ struct Options {
     std::string preset; ///< empty: exterior, unless the drawing has settings of its own
     std::vector<std::string> materials;
     std::vector<std::pair<std::string, std::string>> globals; ///< -D NAME=VALUE, in order
+    std::string facets; ///< what chords go by: drawing (also when empty) or camera
     std::string batch_folder;
     std::string script;
     std::string drawing;  ///< settings: a drawing whose stored settings count

@@ -3,6 +3,7 @@
 
 #include "Kestra_Qor/render_size.h"
 #include "Kestra_Qor/sun_sky.h"
+#include "host/db/sun.h"
 #include "omb/base/profile.h"
 #include "omb/globals/catalogue.h"
 #include "omb/globals/globals.h"
@@ -13,6 +14,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <optional>
 
 namespace apps {
 namespace {
@@ -114,6 +116,19 @@ PictureSize RenderRequest::size() const {
     return size;
 }
 
+namespace {
+
+/// Where the drawing's own sun stands, when it has one that is on and knows its date.
+std::optional<AcDbSunPosition> own_sun(const AcDbDatabase& database) {
+    constexpr int kFirstYear = 1900;
+    const AcDbObjectPointer<AcDbViewportTableRecord> viewport(database.activeViewportId());
+    const AcDbObjectPointer<AcDbSun> sun(viewport ? viewport->sunId() : AcDbObjectId());
+    return sun && sun->isOn() && sun->date().year >= kFirstYear ? std::optional(sun->position())
+                                                                : std::nullopt;
+}
+
+} // namespace
+
 /// Defaults of a picture, which the drawing and the user may know better.
 void RenderRequest::set_picture_defaults(const ResolvedView& view) const {
     const auto* preset = std::ranges::find_if(
@@ -121,9 +136,11 @@ void RenderRequest::set_picture_defaults(const ResolvedView& view) const {
     rb_set_default_lighting(preset != std::end(kPresetNames) ? preset->name : "Exterior");
     set_global_bool("bks_sun_setting_native", false);
     set_global_bool("bks_sun_setting_manual", true);
-    const double azimuth = std::fmod(camera_azimuth(view.view) + kSunFromCamera + 360, 360);
-    set_global_double("rqor_sun_azimuth", azimuth);
-    set_global_double("rqor_sun_altitude", kSunAltitude);
+    const AcDbSunPosition beside_camera{
+        std::fmod(camera_azimuth(view.view) + kSunFromCamera + 360, 360), kSunAltitude};
+    const AcDbSunPosition sun = own_sun(database_).value_or(beside_camera);
+    set_global_double("rqor_sun_azimuth", sun.azimuth);
+    set_global_double("rqor_sun_altitude", sun.altitude);
     set_global_bool("bks_ground_plane", true);
     const AcDbExtents box = rendered_extents(database_);
     const double low = box.minPoint().z;

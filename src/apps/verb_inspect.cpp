@@ -1,4 +1,5 @@
 // `qorvane inspect`: what a drawing holds, for people and as JSON.
+#include "apps/draw_report_text.h"
 #include "apps/exit_codes.h"
 #include "apps/host_session.h"
 #include "apps/inspect_json.h"
@@ -37,37 +38,6 @@ constexpr std::array<const char*, 21> kUnits{"unitless",
                                              "light years",
                                              "parsecs"};
 
-struct ReasonText {
-    const char* code;
-    const char* words;
-};
-/// What the codes mean; a code that is not here is shown as it is.
-constexpr ReasonText kReasons[] = {
-    {"curve-without-thickness", "lines and curves without thickness have no body"},
-    {"point", "points have no body"},
-    {"text", "texts are not rendered yet"},
-    {"hatch", "hatches are not rendered yet"},
-    {"solid3d", "3D solids are not rendered yet"},
-    {"surface", "surfaces are not rendered yet"},
-    {"dimension", "dimensions are not rendered yet"},
-    {"leader", "leaders are not rendered yet"},
-    {"image", "images have a file that cannot be found"},
-    {"light", "suns of the drawing are not read yet"},
-    {"proxy", "proxies are not rendered yet"},
-    {"table", "tables are not rendered yet"},
-    {"view-frame", "frames of views have no body"},
-    {"missing-block", "references to blocks that are not in the drawing"},
-};
-
-std::string reason_words(const std::string& code) {
-    for (const ReasonText& row : kReasons) {
-        if (code == row.code) {
-            return row.words;
-        }
-    }
-    return code;
-}
-
 void print_counts(const char* title, const std::map<std::string, std::uint64_t>& counts) {
     if (counts.empty()) {
         return;
@@ -98,24 +68,30 @@ void print_layers(const dxf::DrawingFacts& facts) {
     }
 }
 
-void print_not_rendered(const dxf::DrawingFacts& facts) {
-    if (facts.not_rendered.empty()) {
-        fmt::print("{}\n", facts.modelspace.empty() ? "Model space is empty."
-                                                    : "Everything in model space gives faces.");
-        return;
+void print_report(const dxf::DrawingFacts& facts, const AcDbDrawReport& report) {
+    if (facts.modelspace.empty()) {
+        fmt::print("Model space is empty.\n");
+    } else if (report.not_drawn.empty() && report.approximate.empty()) {
+        fmt::print("Everything in model space gives faces.\n");
     }
-    fmt::print("Not in the picture:\n");
-    for (const auto& [reason, found] : facts.not_rendered) {
-        std::string handles;
-        for (const std::uint64_t handle : found.handles) {
-            handles += fmt::format("{}{:X}", handles.empty() ? "" : ", ", handle);
-        }
-        fmt::print("  {} {} [{}]: handles {}{}\n", found.count, reason_words(reason), reason,
-                   handles, found.count > found.handles.size() ? " ..." : "");
+    for (const std::string& line : draw_report_lines(report)) {
+        fmt::print("{}\n", line);
     }
 }
 
-void print_facts(const std::string& drawing, const dxf::DrawingFacts& facts) {
+void print_xrefs(const std::vector<const AcDbXref*>& xrefs) {
+    if (!xrefs.empty()) {
+        fmt::print("External references ({}):\n", xrefs.size());
+    }
+    for (const AcDbXref* xref : xrefs) {
+        fmt::print("  {:{}}{:<32} {}: {}{}{}\n", "", 2 * xref->level, xref->name,
+                   xref_status_word(xref->status), xref->path, xref->error.empty() ? "" : " ",
+                   xref->error);
+    }
+}
+
+void print_facts(const std::string& drawing, const AcDbDatabase& database,
+                 const dxf::DrawingFacts& facts, const AcDbDrawReport& report) {
     const auto unit = static_cast<std::size_t>(facts.insunits);
     fmt::print("{}: {}{}, {}\n", drawing, facts.acadver,
                facts.file_version.empty() || facts.file_version == facts.acadver
@@ -135,7 +111,8 @@ void print_facts(const std::string& drawing, const dxf::DrawingFacts& facts) {
     fmt::print("Blocks: {}\n", facts.blocks);
     print_names("Materials", facts.materials);
     print_names("Views", facts.views);
-    print_not_rendered(facts);
+    print_xrefs(acdbXrefs(database));
+    print_report(facts, report);
 }
 
 } // namespace
@@ -143,12 +120,18 @@ void print_facts(const std::string& drawing, const dxf::DrawingFacts& facts) {
 int run_inspect(const Options& options) {
     install_interrupt_handlers();
     HostSession session(options.operands.front());
+    session.load_references();
     const dxf::DrawingFacts facts = dxf::collect_facts(session.database());
+    const AcDbDrawReport report =
+        acdbCollectDrawReport(session.database(), [] { return interrupts_received() == 0; });
+    if (!report.complete) {
+        return kInterrupted;
+    }
     if (options.json) {
-        fmt::print("{}\n", facts_as_json(facts));
+        fmt::print("{}\n", facts_as_json(facts, report, acdbXrefs(session.database())));
         return kDone;
     }
-    print_facts(options.operands.front(), facts);
+    print_facts(options.operands.front(), session.database(), facts, report);
     for (const std::string& line : session.report_lines(kReportLines)) {
         fmt::print("{}\n", line);
     }

@@ -1,4 +1,5 @@
 // `qorvane render` and `qorvane extract`: the whole road, and its first half.
+#include "apps/draw_report_text.h"
 #include "apps/exit_codes.h"
 #include "apps/host_session.h"
 #include "apps/progress.h"
@@ -81,6 +82,13 @@ void check_flags(const Options& options) {
     }
 }
 
+/// Hands the kind of facets to the add-on. It belongs to this picture, not to the drawing.
+void choose_facets(const Options& options) {
+    if (!options.facets.empty()) {
+        setenv("QORVANE_FACETS", options.facets.c_str(), 1);
+    }
+}
+
 /// Makes the batch folder and hands its name to the add-on.
 void choose_batch_folder(const Options& options) {
     if (options.batch_folder.empty()) {
@@ -148,6 +156,7 @@ public:
                 fmt::print(stderr, "qorvane: {}\n", line);
             }
         }
+        session_.load_references();
         if (options.save) {
             check_savable();
         }
@@ -166,8 +175,21 @@ public:
                           resolved, error)) {
             throw Failure{kMissing, fmt::format("{}: {}", options_.operands.front(), error)};
         }
+        if (!resolved.remark.empty() && !options_.quiet) {
+            fmt::print(stderr, "qorvane: {}: {}\n", options_.operands.front(), resolved.remark);
+        }
         return resolved;
     }
+    /// What the pictures do not show. It is gone through at the first call, while the batch process
+    /// works on the first picture.
+    const AcDbDrawReport& report() {
+        if (!report_) {
+            report_ = acdbCollectDrawReport(session_.database(),
+                                            [] { return interrupts_received() == 0; });
+        }
+        return *report_;
+    }
+    bool has_report() const { return report_.has_value(); }
     HostSession& host() { return session_; }
     RenderRequest& request() { return *request_; }
     /// Shows what the add-on told in passing.
@@ -210,6 +232,7 @@ private:
     TerminalPort port_;
     HostSession session_;
     std::optional<RenderRequest> request_;
+    std::optional<AcDbDrawReport> report_;
 };
 
 /// Stores the settings in the drawing's file, once a render of them has begun.
@@ -232,6 +255,45 @@ void print_phase(const Options& options, const char* phase) {
         fmt::print("{{\"event\":\"phase\",\"phase\":\"{}\"}}\n", phase);
         std::fflush(stdout);
     }
+}
+
+/// Tells programs of each thing that is not drawn, once a drawing.
+void print_draw_events(const Options& options, RenderSession& session) {
+    if (session.has_report()) {
+        return;
+    }
+    const AcDbDrawReport& report = session.report();
+    if (options.progress != "ndjson") {
+        return;
+    }
+    for (const auto* rows : {&report.not_drawn, &report.approximate}) {
+        for (const AcDbDrawReportRow& row : *rows) {
+            fmt::print("{}\n", draw_warning_event(row));
+        }
+    }
+    std::fflush(stdout);
+}
+
+/// Tells people of them, once at the end.
+void print_draw_report(const Options& options, RenderSession& session) {
+    if (options.quiet || options.progress == "ndjson" || !session.has_report()) {
+        return;
+    }
+    for (const std::string& line : draw_report_lines(session.report())) {
+        fmt::print(stderr, "qorvane: {}\n", line);
+    }
+}
+
+/// The last line of a picture.
+void print_outcome(const std::string& output, bool finished, double seconds, int warnings,
+                   const AcDbDrawReport& report) {
+    std::error_code failed;
+    const fs::path shown = fs::proximate(output, failed);
+    const bool short_name = !failed && !shown.empty() && *shown.begin() != "..";
+    const std::string counts = draw_report_counts(report);
+    fmt::print("{}{} in {:.0f} s, {} warning{}{}{}\n", short_name ? shown.string() : output,
+               finished ? "" : " (unfinished)", seconds, warnings, warnings == 1 ? "" : "s",
+               counts.empty() ? "" : ", ", counts);
 }
 
 int render_view(const Options& options, RenderSession& session, const std::string& word, bool save,
@@ -261,16 +323,13 @@ int render_view(const Options& options, RenderSession& session, const std::strin
     if (options.verbosity > 0) {
         fmt::print(stderr, "qorvane: extracted in {:.2f} s\n", seconds_since(start));
     }
+    print_draw_events(options, session);
     ProgressPrinter printer(options.progress, options.quiet);
     const int code = follow_process(process, options.time_seconds, channel, printer);
     if (!options.quiet && options.progress != "ndjson") {
-        std::error_code failed;
         for (const std::string& output : printer.outputs()) {
-            const fs::path shown = fs::proximate(output, failed);
-            fmt::print("{}{} in {:.0f} s, {} warning{}\n",
-                       failed || shown.empty() || *shown.begin() == ".." ? output : shown.string(),
-                       code == kDone ? "" : " (unfinished)", seconds_since(start),
-                       printer.warnings(), printer.warnings() == 1 ? "" : "s");
+            print_outcome(output, code == kDone, seconds_since(start), printer.warnings(),
+                          session.report());
         }
     }
     return code;
@@ -285,6 +344,7 @@ int run_render(const Options& options) {
         check_output(output_path(options, options.operands.front(), word), options.force);
     }
     choose_batch_folder(options);
+    choose_facets(options);
     if (options.threads > 0) {
         // Threads are the machine's matter: no setting of the drawing carries them.
         setenv("QORVANE_THREADS", std::to_string(options.threads).c_str(), 1);
@@ -303,14 +363,17 @@ int run_render(const Options& options) {
     for (const std::string& word : views_of(options)) {
         const int code = render_view(options, session, word, std::exchange(save, false), channel);
         if (code != kDone) {
+            print_draw_report(options, session);
             return code;
         }
     }
+    print_draw_report(options, session);
     return kDone;
 }
 
 int run_extract(const Options& options) {
     choose_batch_folder(options);
+    choose_facets(options);
     install_interrupt_handlers();
     print_phase(options, "read");
     // A render leaves the user's settings as they are: what it sets ends with it.
@@ -329,6 +392,7 @@ int run_extract(const Options& options) {
         throw session.extraction_failure();
     }
     session.show_alerts();
+    print_draw_events(options, session);
     return kDone;
 }
 

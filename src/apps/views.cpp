@@ -2,6 +2,7 @@
 #include "apps/views.h"
 
 #include "host/db/block_reference.h"
+#include "host/db/references.h"
 
 #include <algorithm>
 #include <array>
@@ -101,7 +102,7 @@ public:
             }
             return box;
         }
-        const AcDbExtents block = of_block(reference->blockTableRecord());
+        const AcDbExtents block = of_block(acdbBlockContents(reference->blockTableRecord()).block);
         AcDbExtents result;
         const auto add = [&](const AcGeMatrix3d& transform) {
             AcDbExtents box = block;
@@ -299,12 +300,28 @@ AcGsView frame_parallel(const AcDbExtents& box, const AcGeVector3d& direction, d
     return view;
 }
 
+namespace {
+
+/// Views of drawings may cut the model by planes across the line of sight; pictures do not.
+std::string remark_of(AcDbObjectId id) {
+    const AcDbObjectPointer<AcDbAbstractViewTableRecord> record(id);
+    const bool clips = record && (record->frontClipEnabled() || record->backClipEnabled());
+    return clips
+               ? fmt::format("the view '{}' has clipping planes; the picture shows what they hide",
+                             record->getName())
+               : std::string();
+}
+
+} // namespace
+
 bool resolve_view(AcDbDatabase& database, const std::string& word, double aspect,
                   ResolvedView& resolved, std::string& error) {
     resolved.name = word;
+    resolved.remark.clear();
     if (word == "auto" || word == "current") {
         const bool good = acgsGetViewParameters(database.activeViewportId(), resolved.view);
         if (word == "current" ? good : good && !is_plan(resolved.view)) {
+            resolved.remark = remark_of(database.activeViewportId());
             return true;
         }
         if (word == "current") {
@@ -327,6 +344,7 @@ bool resolve_view(AcDbDatabase& database, const std::string& word, double aspect
     AcDbObjectId id;
     if (database.viewTable().getAt(word, id) == Acad::eOk &&
         acgsGetViewParameters(id, resolved.view)) {
+        resolved.remark = remark_of(id);
         return true;
     }
     std::string names;

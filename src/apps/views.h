@@ -11,6 +11,7 @@ namespace apps {
 struct ResolvedView {
     std::string name; ///< for %v in file names
     AcGsView view;
+    std::string remark; ///< what of the view the picture does not follow, empty for nothing
 };
 
 /// The box around what would be rendered: entities of model space that are visible, on layers

@@ -4,23 +4,30 @@ set(HOST_DB_SOURCES
   db/curves_dxf.cpp
   db/database.cpp
   db/dictionary.cpp
+  db/draw_codes.cpp
+  db/draw_report.cpp
   db/entity_dxf.cpp
   db/errors.cpp
   db/extents.cpp
   db/faces_dxf.cpp
   db/group.cpp
-  db/hatch.cpp
+  db/hatch_dxf.cpp
   db/image_def.cpp
   db/image_dxf.cpp
   db/light_dxf.cpp
   db/material_mapper.cpp
   db/object.cpp
   db/polylines_dxf.cpp
+  db/references.cpp
+  db/solids.cpp
+  db/sun.cpp
   db/support_files.cpp
   db/symbol_tables.cpp
   db/text.cpp
+  db/text_style.cpp
   db/unknown.cpp
   dxf/complete.cpp
+  dxf/data_section.cpp
   dxf/default_drawing.cpp
   dxf/document.cpp
   dxf/encoding.cpp
@@ -30,6 +37,7 @@ set(HOST_DB_SOURCES
   dxf/object_tags.cpp
   dxf/patch.cpp
   dxf/reader.cpp
+  dxf/source_tags.cpp
   dxf/tag.cpp
   dxf/tag_reader.cpp
   dxf/tag_writer.cpp

@@ -1,29 +1,58 @@
 set(HOST_DRAW_SOURCES
-  ge/ge.cpp
-  gi/fallback.cpp
-  gi/gi.cpp
-  gi/pline.cpp
-  gi/recorder.cpp
-  gs/painter.cpp
-  gs/snapshot.cpp
-  gs/snapshot_draw.cpp
-  gs/view.cpp
+  db/annotation.cpp
+  db/arrow_head.cpp
+  db/block_drawing.cpp
+  db/block_extents.cpp
+  db/block_reference.cpp
+  db/curves.cpp
+  db/dim_style.cpp
+  db/dimension.cpp
+  db/entity.cpp
+  db/faces.cpp
+  db/frames.cpp
+  db/glyphs.cpp
+  db/hatch.cpp
+  db/hatch_gradient.cpp
+  db/hatch_loop.cpp
+  db/helix.cpp
   db/host_services.cpp
+  db/image.cpp
+  db/leader.cpp
+  db/light.cpp
+  db/meshes.cpp
+  db/mleader.cpp
+  db/mleader_dxf.cpp
+  db/mline.cpp
+  db/mline_dxf.cpp
+  db/polylines.cpp
+  db/proxy_faces.cpp
+  db/proxy_graphics.cpp
+  db/proxy_stream.cpp
+  db/proxy_text.cpp
+  db/spatial_filter.cpp
+  db/spline.cpp
+  db/subd_mesh.cpp
+  db/subdivision.cpp
+  db/table.cpp
+  db/text_draw.cpp
+  db/text_drawing.cpp
+  db/underlay.cpp
   ed/commands.cpp
   ed/document.cpp
   ed/jig.cpp
   ed/point_text.cpp
   ed/prompts.cpp
-  rx/module.cpp
-  db/block_extents.cpp
-  db/block_reference.cpp
-  db/curves.cpp
-  db/entity.cpp
-  db/faces.cpp
-  db/image.cpp
-  db/light.cpp
-  db/meshes.cpp
-  db/polylines.cpp
-  db/spline.cpp
-  db/subd_mesh.cpp
-  db/subdivision.cpp)
+  ge/ge.cpp
+  gi/clip.cpp
+  gi/clip_draw.cpp
+  gi/face_list.cpp
+  gi/fallback.cpp
+  gi/gi.cpp
+  gi/pline.cpp
+  gi/recorder.cpp
+  gi/shape_cache.cpp
+  gs/painter.cpp
+  gs/snapshot.cpp
+  gs/snapshot_draw.cpp
+  gs/view.cpp
+  rx/module.cpp)

@@ -1,4 +1,9 @@
 // OMB_ExtractGeometryandRender: the order of events of one extraction.
+#include "Kestra_Qor/render_size.h"
+#include "host/db/block_extents.h"
+#include "host/db/references.h"
+#include "host/ed/ed.h"
+#include "host/gi/shape_cache.h"
 #include "omb/base/folders.h"
 #include "omb/base/message_box.h"
 #include "omb/base/processes.h"
@@ -48,6 +53,10 @@ int cl_omb_export::OMB_ExtractGeometryandRender(int mode, TsAcCallback callback,
     last_error.clear();
     if (!refresh_document()) {
         return fail(-1, "No current drawing.");
+    }
+    if (acdbResolveXrefs(*theApp().tsdoc->Database(), [](auto, auto) { return !acedUsrBrk(); }) !=
+        Acad::eOk) {
+        return fail(0, "The extraction was stopped.");
     }
     reset_extraction(mode);
     if (write_params_files().empty()) {
@@ -178,6 +187,13 @@ void cl_omb_export::make_draw_objects(extraction& run) {
     common.rpc.find_and_begin();
     run.viewport_draw->view.take(run.document, acedActiveViewportId());
 
+    if (platform::environment("QORVANE_FACETS") == "camera") {
+        cl_render_size size;
+        compute_render_size(size, false);
+        const CTsAcGiViewport& view = run.viewport_draw->view;
+        common.camera_facets.emplace(view.eye, view.target, view.perspective, view.field_width,
+                                     size.width);
+    }
     const AcDbDatabase& database = *run.document.Database();
     run.facetres = static_cast<float>(database.facetres());
     run.traits = std::make_unique<CTsAcSubEntityTraits>(&common);
@@ -206,6 +222,9 @@ void cl_omb_export::walk(extraction& run) {
     const extraction_progress& progress = theApp().progress;
     const auto total = static_cast<std::int64_t>(run.selection.length());
     constexpr int between_reports = 256;
+    // Nothing changes during the walk: boxes and costly shapes of blocks are computed once.
+    const AcDbBlockExtentsScope block_boxes;
+    const gi::ShapeCacheScope block_shapes;
     while (document.m_ObjectIndex < total && !document.m_Abort) {
         const AcDbObjectId id = run.selection.at(static_cast<std::size_t>(document.m_ObjectIndex));
         if (id.isValid()) {

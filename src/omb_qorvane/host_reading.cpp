@@ -1,6 +1,7 @@
 // Sun, view and picture size from the host.
 #include "omb_qorvane/host_reading.h"
 
+#include "host/db/sun.h"
 #include "host/db/symbol_tables.h"
 #include "host/gs/view.h"
 #include "omb/base/trace.h"
@@ -10,6 +11,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
+#include <stdexcept>
 
 namespace {
 
@@ -37,13 +40,65 @@ picture_size size_to_aspect(int width, int height, const cl_ts_view& view) {
     return {width, std::max(height, 1)};
 }
 
+/// Day of the year, 1 for 1 January. Throws std::invalid_argument for what is no date.
+int day_of_year(const AcDbDate& date) {
+    constexpr int first_year = 1900;
+    if (date.year < first_year || date.month < 1 || date.month > 12 || date.day < 1 ||
+        date.day > 31) {
+        throw std::invalid_argument("the date of the drawing's sun");
+    }
+    return static_cast<int>(acdbJulianDay(date) - acdbJulianDay({date.year, 1, 1})) + 1;
+}
+
 } // namespace
 
-void read_sun_from_host() {
-    const AcDbObjectPointer<AcDbViewportTableRecord> viewport(acedActiveViewportId());
-    if (viewport && !viewport->sunId().isNull()) {
-        OMB_TRACE(1, "The sun of the drawing is not read yet; the sun of the settings stays.");
+double wrapped_azimuth(double degrees) {
+    while (degrees < 0) {
+        degrees += 360;
     }
+    while (degrees >= 360) {
+        degrees -= 360;
+    }
+    return degrees;
+}
+
+double wrapped_altitude(double degrees) {
+    while (degrees < 180) {
+        degrees += 360;
+    }
+    while (degrees >= 180) {
+        degrees -= 360;
+    }
+    return degrees;
+}
+
+void read_sun_from_host() {
+    CTsAcDoc* document = theApp().tsdoc;
+    const AcDbObjectPointer<AcDbViewportTableRecord> viewport(acedActiveViewportId());
+    if (document == nullptr || !viewport) {
+        return;
+    }
+    const AcDbObjectPointer<AcDbSun> host_sun(viewport->sunId());
+    if (!host_sun) {
+        return;
+    }
+    constexpr int zone_unit = 1000, minute = 60000;
+    constexpr double degree = std::numbers::pi / 180;
+    const AcDbDatabase& database = *host_sun->database();
+    const int day = day_of_year(host_sun->date());
+    const auto minutes = static_cast<int>(host_sun->milliseconds() / minute);
+    const int whole_hours = database.timeZone() / zone_unit;
+    CTsSun& sun = document->m_Sun;
+    sun.SetDate(day);
+    sun.SetTime(minutes);
+    sun.SetTimeZone(whole_hours);
+    sun.SetDaylightTime(host_sun->isDayLightSavingsOn());
+    sun.SetLatitude(database.latitude());
+    sun.SetLongitude(database.longitude());
+    sun.SetFlags(1);
+    sun.SetAzimuth(wrapped_azimuth(host_sun->azimuth()) * degree);
+    sun.SetAltitude(wrapped_altitude(host_sun->altitude()) * degree);
+    sun.Init();
 }
 
 bool get_view_from_drawing() {

@@ -1,9 +1,12 @@
 // What is read from the host's drawing and view ahead of a render.
 #pragma once
 
-/// Copies the sun of the active viewport into the document. The host has no sun objects yet: a
-/// viewport that names one is traced, and nothing changes.
+/// Copies the sun of the active viewport into the document; without one nothing changes. Throws
+/// std::invalid_argument when the sun's date lies before 1900 or is none.
 void read_sun_from_host();
+/// Degrees brought into 0 up to 360, and into -180 up to 180; any finite value of use as an angle.
+double wrapped_azimuth(double degrees);
+double wrapped_altitude(double degrees);
 
 /// Fills theApp().tsview from the active viewport, and the document's unit code and scale from the
 /// drawing's insunits (1 metre a unit when they say nothing). False without document or view.

@@ -73,6 +73,23 @@ bool CTsAcCommonDraw::regenAbort() const {
 
 AcGiGeometry* CTsAcCommonDraw::rawGeometry() const { return geometry; }
 
+const AcDbExtents& CTsAcCommonDraw::box_of(const AcDbEntity& entity) {
+    const auto measure = [&entity](AcDbExtents& box) {
+        AcDbExtents found;
+        box = entity.getGeomExtents(found) == Acad::eOk ? found : AcDbExtents();
+    };
+    const AcDbObjectId id = entity.objectId();
+    if (stack.depth() == 0 || id.isNull()) {
+        measure(box_);
+        return box_;
+    }
+    const auto [at, added] = boxes_.try_emplace(id);
+    if (added) {
+        measure(at->second);
+    }
+    return at->second;
+}
+
 double CTsAcCommonDraw::deviation(AcGiDeviationType, const AcGePoint3d&) const {
     return traits->deviation();
 }

@@ -1,6 +1,7 @@
 // `CTsAcCommonDraw`: the state of one extraction, and the answers that entities ask of it.
 #pragma once
 
+#include "omb_qorvane/camera_facets.h"
 #include "omb_qorvane/extraction_report.h"
 #include "omb_qorvane/instance_stack.h"
 #include "omb_qorvane/layer_facts.h"
@@ -9,7 +10,9 @@
 #include "omb_qorvane/ts_ac_doc.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <unordered_map>
 
 class AcDbBlockReference;
 class cl_omb_export;
@@ -54,6 +57,9 @@ public:
     AcGiGeometry* rawGeometry() const override;
     bool isDragging() const override { return false; }
     double deviation(AcGiDeviationType, const AcGePoint3d&) const override;
+    /// The entity's box in its own coordinates, empty when it has none; that of an entity in a
+    /// block is asked for once, however often the block is inserted.
+    const AcDbExtents& box_of(const AcDbEntity& entity);
     std::uint32_t numberOfIsolines() const override { return 4; }
     AcGiContext* context() override { return &context_; }
 
@@ -78,10 +84,14 @@ public:
     AcDbObjectId object_id;        ///< set just before it draws
     std::string block_handle_text; ///< of the last block reference
 
+    std::optional<cl_camera_facets> camera_facets; ///< when chords follow the camera
+
     cl_layer_cache layers;
     cl_resolution resolution;
     cl_extraction_report report;
 
 private:
     CTsAcGiContext context_;
+    std::unordered_map<AcDbObjectId, AcDbExtents> boxes_; ///< of entities in blocks
+    AcDbExtents box_;                                     ///< of the last one outside
 };

@@ -1,6 +1,7 @@
 // The render document of a drawing.
 #include "omb_qorvane/ts_ac_doc.h"
 
+#include "host/db/references.h"
 #include "host/ed/ed.h"
 #include "host/gs/view.h"
 #include "omb/base/trace.h"
@@ -47,7 +48,7 @@ void CTsAcDoc::TakeHostUnits() {
 }
 
 void CTsAcDoc::BuildTsAcMatTable() {
-    rows_ = Database()->materials();
+    rows_ = acdbDrawnMaterials(*Database());
     m_Materials.clear();
     m_Materials.reserve(rows_.size());
     toolkit_materials_.clear();
@@ -59,6 +60,9 @@ void CTsAcDoc::BuildTsAcMatTable() {
         }
         // What holds a material of the toolkit's is none of the host's own.
         if (CTsMaterial attached; read_toolkit_material(*material, attached)) {
+            if (id.database()->xrefHost() != nullptr) { // names of two drawings may be the same
+                attached.m_Name = id.database()->xrefName() + "|" + attached.m_Name;
+            }
             toolkit_materials_.emplace(id.stub(), std::move(attached));
         } else {
             row = OMB_AcMaterialToTsMaterial(*material);

@@ -2,6 +2,8 @@
 #include "omb_qorvane/ts_ac_traits.h"
 
 #include "omb_qorvane/layer_facts.h"
+#include "omb_qorvane/ts_ac_common_draw.h"
+#include "omb_qorvane/ts_ac_gi_geometry.h"
 
 #include <algorithm>
 #include <array>
@@ -101,7 +103,7 @@ double CTsAcSubEntityTraits::deviation() const {
         return deviation_;
     }
     double value = 0;
-    if (TsAcDeviation(*deviation_entity, facet_scale, deviation_scale, value)) {
+    if (find_deviation(value)) {
         deviation_ = value;
     } else if (parent != nullptr) {
         deviation_ = parent->deviation();
@@ -110,10 +112,33 @@ double CTsAcSubEntityTraits::deviation() const {
     return deviation_;
 }
 
+/// By the size of the entity, and with a camera to follow by what it sees.
+bool CTsAcSubEntityTraits::find_deviation(double& value) const {
+    if (common_draw == nullptr) {
+        return TsAcDeviation(*deviation_entity, facet_scale, deviation_scale, value);
+    }
+    const AcDbExtents& box = common_draw->box_of(*deviation_entity);
+    if (!TsAcDeviation(box, facet_scale, deviation_scale, value)) {
+        return false;
+    }
+    if (common_draw->camera_facets && common_draw->geometry != nullptr) {
+        value = common_draw->camera_facets->deviation(
+            value, box, common_draw->geometry->getModelToWorldTransform(),
+            common_draw->stack.depth() > 0);
+    }
+    return true;
+}
+
 bool TsAcDeviation(const AcDbEntity& entity, double facet_scale, double object_scale,
                    double& deviation) {
     AcDbExtents extents;
-    if (entity.getGeomExtents(extents) != Acad::eOk || extents.isEmpty()) {
+    return entity.getGeomExtents(extents) == Acad::eOk &&
+           TsAcDeviation(extents, facet_scale, object_scale, deviation);
+}
+
+bool TsAcDeviation(const AcDbExtents& extents, double facet_scale, double object_scale,
+                   double& deviation) {
+    if (extents.isEmpty()) {
         return false;
     }
     const AcGeVector3d size = extents.maxPoint() - extents.minPoint();

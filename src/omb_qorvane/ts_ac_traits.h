@@ -90,6 +90,7 @@ public:
 
 private:
     void copy_all_but_mapping(const CTsAcSubEntityTraits& other);
+    bool find_deviation(double& value) const;
     double thickness_ = 0; ///< extrusion length, drawing units
     mutable double deviation_ = 0.01;
     mutable const AcDbEntity* deviation_entity = nullptr; ///< not yet asked for its size
@@ -99,4 +100,7 @@ private:
 /// Chord error from an entity's size: the second-largest of its three sizes times 0.005 times
 /// `facet_scale` over `object_scale`. False, and nothing set, when it has no extents.
 bool TsAcDeviation(const AcDbEntity& entity, double facet_scale, double object_scale,
+                   double& deviation);
+/// The same for an entity with that box.
+bool TsAcDeviation(const AcDbExtents& extents, double facet_scale, double object_scale,
                    double& deviation);

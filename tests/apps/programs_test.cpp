@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <set>
 #include <sstream>
 #include <thread>
@@ -381,6 +382,82 @@ TEST_F(Programs, TheBatchProcessNeedsItsFolder) {
     fs::remove(folder_ / "folder" / "batch_file.txt");
     EXPECT_EQ(wait({"folder/qor_render_params.txt"}), 4);
     EXPECT_NE(read(folder_ / "err.txt").find("batch_file.txt"), std::string::npos);
+}
+
+/// A drawing in metres that shows a house of another one in millimetres, and lacks two things.
+struct Referenced {
+    static std::string tags(const std::string& header, const std::string& blocks,
+                            const std::string& entities) {
+        return "0\nSECTION\n2\nHEADER\n" + header + "0\nENDSEC\n0\nSECTION\n2\nBLOCKS\n" + blocks +
+               "0\nENDSEC\n0\nSECTION\n2\nENTITIES\n" + entities + "0\nENDSEC\n0\nEOF\n";
+    }
+    static std::string face(const char* layer) {
+        return std::string("0\n3DFACE\n8\n") + layer +
+               "\n10\n0\n20\n0\n30\n0\n11\n1000\n21\n0\n31\n0\n12\n1000\n22\n1000\n32\n0\n13\n0\n"
+               "23\n1000\n33\n0\n";
+    }
+    static std::string block(const std::string& name, const std::string& path) {
+        return "0\nBLOCK\n8\n0\n2\n" + name + "\n70\n4\n10\n0\n20\n0\n30\n0\n3\n" + name + "\n1\n" +
+               path + "\n0\nENDBLK\n8\n0\n";
+    }
+    static std::string insert(const std::string& name, const char* handle) {
+        return std::string("0\nINSERT\n5\n") + handle + "\n8\n0\n2\n" + name +
+               "\n10\n5\n20\n0\n30\n0\n";
+    }
+    static std::string house() {
+        return tags("9\n$INSUNITS\n70\n4\n", "", face("Wall") + "0\nPOINT\n5\n1F\n8\n0\n10\n0\n");
+    }
+    static std::string plot() {
+        return tags("9\n$INSUNITS\n70\n6\n",
+                    block("House", "C:\\jobs\\house.dwg") + block("Gone", "gone.dxf"),
+                    insert("House", "50") + insert("House", "51") + insert("Gone", "52"));
+    }
+};
+
+TEST_F(Programs, ReferencesAreDrawnAndWhatIsMissingIsTold) {
+    write("house.dxf", Referenced::house());
+    write("plot.dxf", Referenced::plot());
+    const Outcome extract =
+        run({"extract", "plot.dxf", "--batch-folder", "one", "--progress", "ndjson"});
+    ASSERT_EQ(extract.code, 0) << extract.err;
+    const std::string stream = read(folder_ / "one/batch_file.txt");
+    EXPECT_NE(stream.find("LAY:House|Wall"), std::string::npos);
+    EXPECT_NE(stream.find("VERT;(0.1524,0.0254, 0)"), std::string::npos)
+        << "a metre in the reference is a metre here";
+    std::map<std::string, nlohmann::json> warnings;
+    std::istringstream lines(extract.out);
+    for (std::string line; std::getline(lines, line);) {
+        const auto event = nlohmann::json::parse(line);
+        if (event["event"] == "warning") {
+            warnings[event["code"]] = event;
+        }
+    }
+    ASSERT_EQ(warnings.size(), 2u);
+    EXPECT_EQ(warnings["point"]["count"], 2);
+    EXPECT_EQ(warnings["point"]["handles"], nlohmann::json::array({"House|1F"}));
+    EXPECT_EQ(warnings["external-reference-missing"]["handles"], nlohmann::json::array({"52"}));
+    EXPECT_EQ(warnings["external-reference-missing"]["share"], 0);
+
+    const Outcome inspect = run({"inspect", "plot.dxf", "--json"});
+    const auto facts = nlohmann::json::parse(inspect.out);
+    EXPECT_EQ(facts["blocks"], 2);
+    EXPECT_EQ(facts["layers"].size(), 2u) << "those of the reference are not the drawing's";
+    ASSERT_EQ(facts["not_drawn"].size(), 2u);
+    EXPECT_EQ(facts["not_drawn"][0]["code"], "point");
+    EXPECT_EQ(facts["not_drawn"][1]["details"], nlohmann::json::array({"gone.dxf"}));
+    EXPECT_TRUE(facts["approximate"].empty());
+    EXPECT_EQ(facts["external_references"][0]["status"], "resolved");
+    EXPECT_EQ(facts["external_references"][1]["status"], "missing");
+
+    const Outcome render = run({"render", "plot.dxf", "-s", "60x40", "--passes", "1"});
+    EXPECT_EQ(render.code, 0);
+    EXPECT_NE(render.out.find(", 3 not drawn\n"), std::string::npos) << render.out;
+    EXPECT_NE(render.err.find("qorvane: Not in the picture:\n"), std::string::npos) << render.err;
+    EXPECT_NE(render.err.find("qorvane:   2 points have no body [point]: handles House|1F"),
+              std::string::npos)
+        << render.err;
+    ASSERT_EQ(run({"convert", "plot.dxf", "copy.dxf"}).code, 0);
+    EXPECT_EQ(read(folder_ / "copy.dxf"), read(folder_ / "plot.dxf"));
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "apps/render_request.h"
 
+#include "host/db/sun.h"
 #include "omb/base/profile.h"
 #include "omb/globals/globals.h"
 #include "omb_qorvane/dictionary.h"
@@ -123,6 +124,37 @@ TEST_F(Request, TheSizeComesFromFlagsThenSettingsThenTheDefault) {
     options_.width = 301;
     options_.height = 200;
     EXPECT_EQ(RenderRequest(options_, database_).size().width, 300);
+}
+
+class RequestWithSun : public Request {
+protected:
+    void add_sun(bool on) {
+        auto made = std::make_unique<AcDbSun>();
+        made->setDateTime({2018, 6, 21}, 12 * 3600 * 1000);
+        made->setOn(on);
+        const AcDbObjectId id =
+            database_.addAcDbObject(std::move(made), database_.activeViewportId());
+        AcDbObjectPointer<AcDbViewportTableRecord>(database_.activeViewportId(), AcDb::kForWrite)
+            ->setSun(id);
+        RenderRequest(options_, database_).store(view_, "/out/haus.png");
+    }
+    double altitude() { return std::stod(stored("rqor_sun_altitude")); }
+};
+
+TEST_F(RequestWithSun, OneThatIsOnStandsWhereItStands) {
+    add_sun(true);
+    EXPECT_NEAR(altitude(), 75.4, 0.5) << "noon in San Francisco";
+}
+
+TEST_F(RequestWithSun, OneThatIsOffDoesNotCount) {
+    add_sun(false);
+    EXPECT_EQ(altitude(), 40);
+}
+
+TEST_F(RequestWithSun, WhatIsAskedForWins) {
+    options_.globals = {{"rqor_sun_altitude", "25"}};
+    add_sun(true);
+    EXPECT_EQ(altitude(), 25);
 }
 
 } // namespace

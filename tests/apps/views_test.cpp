@@ -178,4 +178,21 @@ TEST_F(Views, AMissingNamedViewListsWhatIsThere) {
     EXPECT_TRUE(resolve("Süd Ansicht"));
 }
 
+TEST_F(Views, ClippingPlanesAreTold) {
+    AcDbDatabase drawing(false);
+    std::string error;
+    ASSERT_EQ(drawing.dxfInMemory("0\nSECTION\n2\nTABLES\n0\nTABLE\n2\nVIEW\n70\n2\n"
+                                  "0\nVIEW\n2\nCut\n70\n0\n40\n5\n41\n8\n11\n1\n21\n0\n31\n0\n"
+                                  "12\n0\n22\n0\n32\n0\n42\n50\n43\n2\n44\n-2\n71\n7\n"
+                                  "0\nVIEW\n2\nWhole\n70\n0\n40\n5\n41\n8\n11\n1\n21\n0\n31\n0\n"
+                                  "71\n1\n0\nENDTAB\n0\nENDSEC\n0\nEOF\n",
+                                  error),
+              Acad::eOk);
+    ASSERT_TRUE(resolve_view(drawing, "cut", 1.5, resolved_, error_)) << error_;
+    EXPECT_NE(resolved_.remark.find("'Cut' has clipping planes"), std::string::npos);
+    EXPECT_TRUE(resolved_.view.perspective);
+    ASSERT_TRUE(resolve_view(drawing, "whole", 1.5, resolved_, error_)) << error_;
+    EXPECT_EQ(resolved_.remark, "");
+}
+
 } // namespace

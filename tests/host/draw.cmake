@@ -11,6 +11,7 @@ qorvane_test(test_host_draw
     draw/meshes_test.cpp
     draw/module_test.cpp
     draw/services_test.cpp
+    draw/shape_cache_test.cpp
     draw/snapshot_test.cpp
     draw/spline_test.cpp
     draw/subdivision_test.cpp

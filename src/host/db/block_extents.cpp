@@ -1,8 +1,9 @@
 // Boxes of blocks, inner ones first, by a stack of our own: nesting may be of any depth.
 #include "host/db/block_extents.h"
 
-#include "host/db/block_reference.h"
+#include "host/db/database.h"
 #include "host/db/draw_util.h"
+#include "host/db/references.h"
 #include "host/db/symbol_tables.h"
 
 #include <memory>
@@ -48,17 +49,28 @@ private:
         }
     }
 
+    /// Enters a block that the entity draws and that is not known yet; false when all are.
+    bool enterNested(const AcDbEntity& entity) {
+        nested_.clear();
+        entity.drawnBlocks(nested_);
+        for (const AcDbObjectId id : nested_) {
+            const AcDbObjectId contents = acdbBlockContents(id).block;
+            if (!contents.isNull() && !cache().boxes.contains(contents)) {
+                enter(contents);
+                return true;
+            }
+        }
+        return false;
+    }
+
     void advance() {
         Visit& visit = stack_.back();
         const auto& entities = (*visit.record)->entities();
         while (visit.next < entities.size()) {
             const AcDbObjectPointer<AcDbEntity> entity(entities[visit.next]);
             if (entity && entity->visibility() == AcDb::kVisible) {
-                const auto* reference = AcDbBlockReference::cast(entity.object());
-                if (reference != nullptr &&
-                    !cache().boxes.contains(reference->blockTableRecord())) {
-                    enter(reference->blockTableRecord()); // this entity again when it is known
-                    return;
+                if (enterNested(*entity)) {
+                    return; // this entity again when it is known
                 }
                 AcDbExtents box;
                 if (entity->getGeomExtents(box) == Acad::eOk) {
@@ -72,6 +84,7 @@ private:
     }
 
     std::vector<Visit> stack_;
+    std::vector<AcDbObjectId> nested_;
 };
 
 } // namespace
@@ -86,8 +99,9 @@ AcDbBlockExtentsScope::~AcDbBlockExtentsScope() {
 
 Acad::ErrorStatus acdbGetBlockExtents(AcDbObjectId block, AcDbExtents& extents) {
     const AcDbBlockExtentsScope scope;
-    if (!cache().boxes.contains(block)) {
-        const BlockWalk walk(block);
+    const AcDbObjectId contents = acdbBlockContents(block).block;
+    if (!contents.isNull() && !cache().boxes.contains(contents)) {
+        const BlockWalk walk(contents);
     }
-    return draw::giveExtents(cache().boxes[block], extents);
+    return draw::giveExtents(cache().boxes[contents], extents);
 }

@@ -17,5 +17,6 @@ public:
 };
 
 /// The box of a block's visible entities in the block's own coordinates (its base point not taken
-/// off); for model space, that of the drawing. eNullExtents when nothing has a box.
+/// off); for model space, that of the drawing, and for an external reference that of its drawing.
+/// eNullExtents when nothing has a box.
 Acad::ErrorStatus acdbGetBlockExtents(AcDbObjectId block, AcDbExtents& extents);

@@ -1,12 +1,12 @@
 // Block references draw the contents of their blocks.
 #include "host/db/block_reference.h"
 
+#include "host/db/block_drawing.h"
 #include "host/db/block_extents.h"
 #include "host/db/draw_util.h"
+#include "host/db/references.h"
+#include "host/db/spatial_filter.h"
 #include "host/db/symbol_tables.h"
-#include "host/ed/ed.h"
-
-#include <fmt/format.h>
 
 #include <algorithm>
 
@@ -15,140 +15,11 @@ ACRX_DXF_DEFINE_MEMBERS(AcDbMInsertBlock, AcDbBlockReference, "INSERT")
 
 namespace {
 
-constexpr std::size_t kDeepestNesting = 64;
-/// Entities and array members that one reference of a space may draw through its nesting: far
-/// above any real drawing, reached within seconds by blocks that multiply at every level.
-constexpr std::uint64_t kMostDraws = 5'000'000;
-/// How often the drawer is asked whether to stop.
-constexpr std::uint64_t kAskEvery = 1024;
+/// Members of an array whose attributes are drawn.
+constexpr std::uint64_t kMostAttributed = 100'000;
 
-/// What the references in progress on this thread share.
-struct Nesting {
-    std::vector<AcDbObjectId> blocks; ///< those being drawn, outermost first
-    std::uint64_t draws = 0;
-    std::uint64_t since_asked = 0; ///< goes on over references, so that many small ones ask too
-    bool stopped = false;
-    bool told = false; ///< that a block was not entered
-};
-
-Nesting& nesting() {
-    thread_local Nesting only;
-    return only;
-}
-
-/// Enters a block for the time of its life.
-class BlockInProgress {
-public:
-    explicit BlockInProgress(AcDbObjectId block) {
-        Nesting& now = nesting();
-        if (now.blocks.empty()) {
-            now.draws = 0;
-            now.stopped = false;
-            now.told = false;
-        }
-        now.blocks.push_back(block);
-    }
-    ~BlockInProgress() { nesting().blocks.pop_back(); }
-    BlockInProgress(const BlockInProgress&) = delete;
-    BlockInProgress& operator=(const BlockInProgress&) = delete;
-};
-
-/// A pushed transform that is popped again.
-class PushedTransform {
-public:
-    PushedTransform(AcGiGeometry& geometry, const AcGeMatrix3d& transform)
-      : geometry_(geometry)
-      , pushed_(geometry.pushModelTransform(transform)) {}
-    ~PushedTransform() {
-        if (pushed_) {
-            geometry_.popModelTransform();
-        }
-    }
-    PushedTransform(const PushedTransform&) = delete;
-    PushedTransform& operator=(const PushedTransform&) = delete;
-    bool isPushed() const { return pushed_; }
-
-private:
-    AcGiGeometry& geometry_;
-    bool pushed_;
-};
-
-/// Counts one draw; false when drawing shall end here.
-bool mayDraw(AcGiWorldDraw* draw, const AcDbBlockTableRecord& block) {
-    Nesting& now = nesting();
-    if (now.stopped) {
-        return false;
-    }
-    if (now.since_asked++ % kAskEvery == 0 && draw->regenAbort()) {
-        now.stopped = true;
-    } else if (++now.draws > kMostDraws) {
-        now.stopped = true;
-        acedAlert(
-            fmt::format("Block \"{}\": more than {} objects through nested blocks; the rest of "
-                        "this reference is not drawn.",
-                        block.getName(), kMostDraws));
-    }
-    return !now.stopped;
-}
-
-bool isFinite(const AcGeMatrix3d& m) {
-    return std::all_of(m.entry.begin(), m.entry.end(), [](const auto& row) {
-        return std::all_of(row.begin(), row.end(), [](double v) { return gi::isFinite(v); });
-    });
-}
-
-/// Draws the block once under the transform.
-void drawMember(AcGiWorldDraw* draw, const AcDbBlockTableRecord& block,
-                const AcGeMatrix3d& transform) {
-    if (!isFinite(transform)) {
-        return;
-    }
-    const PushedTransform pushed(draw->geometry(), transform);
-    if (!pushed.isPushed()) {
-        return;
-    }
-    for (const AcDbObjectId id : block.entities()) {
-        if (!mayDraw(draw, block)) {
-            return;
-        }
-        const AcDbObjectPointer<AcDbEntity> entity(id);
-        if (entity) {
-            draw->geometry().draw(entity.object());
-        }
-    }
-}
-
-/// Tells, once for each reference of a space, that a block is not entered.
-void tellLeftOut(const AcDbBlockTableRecord& block, bool inside_itself) {
-    if (nesting().told) {
-        return;
-    }
-    nesting().told = true;
-    acedAlert(inside_itself
-                  ? fmt::format("Block \"{}\" inserts itself; the inner one is not drawn.",
-                                block.getName())
-                  : fmt::format("Block \"{}\" lies more than {} levels deep and is not drawn.",
-                                block.getName(), kDeepestNesting));
-}
-
-/// Opens the block and draws its members; `transform_of` gives the transform of each.
-template <class TransformOf>
-void drawBlock(AcGiWorldDraw* draw, AcDbObjectId id, std::uint64_t members,
-               const TransformOf& transform_of) {
-    const std::vector<AcDbObjectId>& entered = nesting().blocks;
-    const AcDbObjectPointer<AcDbBlockTableRecord> block(id);
-    if (!block || block->entities().empty()) {
-        return;
-    }
-    const bool inside_itself = std::find(entered.begin(), entered.end(), id) != entered.end();
-    if (inside_itself || entered.size() >= kDeepestNesting) {
-        tellLeftOut(*block, inside_itself);
-        return;
-    }
-    const BlockInProgress progress(id);
-    for (std::uint64_t i = 0; i < members && mayDraw(draw, *block); ++i) {
-        drawMember(draw, *block, transform_of(i));
-    }
+AcGePoint3d origin_of(const AcGeMatrix3d& m) {
+    return {m.entry[0][3], m.entry[1][3], m.entry[2][3]};
 }
 
 } // namespace
@@ -161,12 +32,14 @@ std::string AcDbBlockReference::blockName() const {
 }
 
 AcGeMatrix3d AcDbBlockReference::transformWith(const AcGeVector3d& shift) const {
-    const AcDbObjectPointer<AcDbBlockTableRecord> block(block_);
-    const AcGePoint3d base = block ? block->origin() : AcGePoint3d::kOrigin;
+    const AcDbBlockContents contents = acdbBlockContents(block_);
+    const double unit = contents.scale;
+    const double z = scale_.sz == 0 ? 1 : scale_.sz; // programs for plans write 0
+    const AcGeScale3d scale{scale_.sx * unit, scale_.sy * unit, z * unit};
     return AcGeMatrix3d::planeToWorld(normal_) * AcGeMatrix3d::translation(position_.asVector()) *
            AcGeMatrix3d::rotation(rotation_, AcGeVector3d::kZAxis) *
-           AcGeMatrix3d::translation(shift) * AcGeMatrix3d::scaling(scale_) *
-           AcGeMatrix3d::translation(-base.asVector());
+           AcGeMatrix3d::translation(shift) * AcGeMatrix3d::scaling(scale) *
+           AcGeMatrix3d::translation(-contents.base.asVector());
 }
 
 AcGeMatrix3d AcDbBlockReference::blockTransform() const { return transformWith({}); }
@@ -178,10 +51,11 @@ Acad::ErrorStatus AcDbBlockReference::getGeomExtents(AcDbExtents& extents) const
     if (status != Acad::eOk) {
         return status;
     }
-    if (!isFinite(transform)) {
+    if (!draw::isFinite(transform)) {
         return Acad::eInvalidExtents;
     }
     box.transformBy(transform);
+    draw::clipExtents(*this, box);
     return draw::giveExtents(box, extents);
 }
 
@@ -191,13 +65,69 @@ const char* AcDbBlockReference::notRenderedReason() const {
         return "missing-block";
     }
     if (block->isFromExternalReference() && block->entities().empty()) {
-        return "external-reference";
+        const AcDbXref* xref = acdbXrefOf(block_);
+        if (const char* code = xref != nullptr ? acdbXrefDrawCode(xref->status) : nullptr) {
+            return code;
+        }
     }
-    return isFinite(blockTransform()) ? nullptr : "damaged";
+    if (hasZeroScale()) {
+        return "zero-scale";
+    }
+    return draw::isFinite(blockTransform()) ? nullptr : "damaged";
+}
+
+void AcDbBlockReference::drawFindings(std::vector<AcDbDrawFinding>& findings) const {
+    const char* reason = notRenderedReason();
+    if (reason == nullptr) {
+        draw::clipFindings(*this, findings);
+        return;
+    }
+    std::string detail;
+    if (const AcDbXref* xref = acdbXrefOf(block_)) {
+        detail = xref->error.empty() ? xref->path : xref->path + " " + xref->error;
+    } else if (block_.isNull()) {
+        detail = block_name_;
+    }
+    findings.push_back({reason, std::move(detail), 1});
+}
+
+void AcDbBlockReference::drawnBlocks(std::vector<AcDbObjectId>& blocks) const {
+    blocks.push_back(acdbBlockContents(block_).block);
+}
+
+void AcDbBlockReference::drawContents(
+    AcGiWorldDraw* draw, std::uint64_t members,
+    const std::function<AcGeMatrix3d(std::uint64_t)>& transform_of) const {
+    if (!hasZeroScale()) {
+        const draw::ReferenceClip clip(*this, draw);
+        draw::block(draw, acdbBlockContents(block_).block, members, transform_of);
+    }
+    // Attributes lie in the owner's coordinates; each member of an array has them again.
+    const std::uint64_t copies = attributes_.empty() ? 0 : std::min(members, kMostAttributed);
+    const AcGePoint3d first = origin_of(members > 0 ? transform_of(0) : AcGeMatrix3d());
+    for (std::uint64_t i = 0; i < copies && !draw->regenAbort(); ++i) {
+        const AcGeMatrix3d shift = AcGeMatrix3d::translation(origin_of(transform_of(i)) - first);
+        if (i > 0 && (!draw::isFinite(shift) || !draw->geometry().pushModelTransform(shift))) {
+            continue;
+        }
+        drawAttributes(draw);
+        if (i > 0) {
+            draw->geometry().popModelTransform();
+        }
+    }
+}
+
+void AcDbBlockReference::drawAttributes(AcGiWorldDraw* draw) const {
+    for (const AcDbObjectId id : attributes_) {
+        const AcDbObjectPointer<AcDbAttribute> attribute(id);
+        if (attribute && !attribute->isInvisible() && attribute->thickness() != 0) {
+            draw->geometry().draw(attribute.object());
+        }
+    }
 }
 
 bool AcDbBlockReference::worldDraw(AcGiWorldDraw* draw) {
-    drawBlock(draw, block_, 1, [&](std::uint64_t) { return blockTransform(); });
+    drawContents(draw, 1, [&](std::uint64_t) { return blockTransform(); });
     return true;
 }
 
@@ -224,7 +154,7 @@ Acad::ErrorStatus AcDbMInsertBlock::getGeomExtents(AcDbExtents& extents) const {
     for (const int row : {0, std::max(rows_, 1) - 1}) {
         for (const int column : {0, std::max(columns_, 1) - 1}) {
             const AcGeMatrix3d transform = memberTransform(row, column);
-            if (!isFinite(transform)) {
+            if (!draw::isFinite(transform)) {
                 return Acad::eInvalidExtents;
             }
             AcDbExtents member = block;
@@ -232,13 +162,14 @@ Acad::ErrorStatus AcDbMInsertBlock::getGeomExtents(AcDbExtents& extents) const {
             all.addExt(member);
         }
     }
+    draw::clipExtents(*this, all);
     return draw::giveExtents(all, extents);
 }
 
 bool AcDbMInsertBlock::worldDraw(AcGiWorldDraw* draw) {
     const auto columns = static_cast<std::uint64_t>(std::max(columns_, 1));
     const auto rows = static_cast<std::uint64_t>(std::max(rows_, 1));
-    drawBlock(draw, block_, columns * rows, [&](std::uint64_t i) {
+    drawContents(draw, columns * rows, [&](std::uint64_t i) {
         return memberTransform(static_cast<int>(i / columns), static_cast<int>(i % columns));
     });
     return true;

@@ -3,6 +3,7 @@
 
 #include "host/db/text.h"
 
+#include <functional>
 #include <vector>
 
 class AcDbBlockReference : public AcDbEntity {
@@ -14,7 +15,7 @@ public:
     std::string blockName() const;
     AcGePoint3d position() const { return position_; } ///< object system, as stored
     void setPosition(const AcGePoint3d& p) { position_ = p; }
-    AcGeScale3d scaleFactors() const { return scale_; }
+    AcGeScale3d scaleFactors() const { return scale_; } ///< as stored; a Z of 0 is drawn as 1
     void setScaleFactors(const AcGeScale3d& s) { scale_ = s; }
     double rotation() const { return rotation_; }
     void setRotation(double r) { rotation_ = r; }
@@ -27,8 +28,11 @@ public:
 
     Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
     const char* notRenderedReason() const override;
+    void drawFindings(std::vector<AcDbDrawFinding>& findings) const override;
+    void drawnBlocks(std::vector<AcDbObjectId>& blocks) const override;
     void setBlockName(std::string name) { block_name_ = std::move(name); }
-    /// Pushes the transform and lets the block's entities draw themselves through
+    /// Pushes the transform and lets the block's entities, or those of the drawing that it leads
+    /// to, and then the visible attributes draw themselves through
     /// AcGiGeometry::draw. A block that inserts itself, or nesting deeper than 64 levels, is not
     /// entered.
     bool worldDraw(AcGiWorldDraw* draw) override;
@@ -37,6 +41,12 @@ public:
 
 protected:
     friend struct DxfAccess;
+    /// Draws the block once under each of the transforms, and the attributes.
+    void drawContents(AcGiWorldDraw* draw, std::uint64_t members,
+                      const std::function<AcGeMatrix3d(std::uint64_t)>& transform_of) const;
+    bool hasZeroScale() const { return scale_.sx == 0 || scale_.sy == 0; }
+    /// The visible ones; they lie where the reference lies, not in the block.
+    void drawAttributes(AcGiWorldDraw* draw) const;
     /// From the block's coordinates to the owner's, `shift` being added in the rotated plane.
     AcGeMatrix3d transformWith(const AcGeVector3d& shift) const;
     AcDbObjectId block_;

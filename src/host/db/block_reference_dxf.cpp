@@ -21,13 +21,9 @@ void AcDbBlockReference::dxfIn(const dxf::ObjectTags& tags) {
             dxf::set_coordinate(position_, tag.code / 10 - 1, tags.real(tag));
             break;
         case 41:
-            scale_.sx = tags.real(tag);
-            break;
         case 42:
-            scale_.sy = tags.real(tag);
-            break;
         case 43:
-            scale_.sz = tags.real(tag);
+            dxf::take_scale(scale_, tag, tags);
             break;
         case 50:
             rotation_ = tags.real(tag) * dxf::kRadians;

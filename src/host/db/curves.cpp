@@ -235,10 +235,19 @@ Acad::ErrorStatus AcDbEllipse::getGeomExtents(AcDbExtents& extents) const {
     }
     AcDbExtents box;
     draw::addArc(box, arcOf(*this));
-    return draw::giveExtents(box, extents);
+    return extrudedExtents(gi::isFinite(thickness_), box, normal_, thickness_, extents);
 }
 
-const char* AcDbEllipse::notRenderedReason() const { return draw::kNoThickness; }
+const char* AcDbEllipse::notRenderedReason() const {
+    return reasonWithout(thickness_, isDrawable(center_, normal_, ratio_, end_ - start_) &&
+                                         gi::isFinite(major_) && gi::isFinite(thickness_));
+}
+
+std::uint32_t AcDbEllipse::setAttributes(AcGiDrawableTraits* traits) {
+    const std::uint32_t flags = AcDbEntity::setAttributes(traits);
+    traits->setThickness(gi::isFinite(thickness_) ? thickness_ : 0);
+    return flags;
+}
 
 bool AcDbEllipse::worldDraw(AcGiWorldDraw* draw) {
     if (isDrawable(center_, normal_, ratio_, end_ - start_) && gi::isFinite(major_)) {

@@ -137,9 +137,12 @@ public:
     void set(const AcGePoint3d& center, const AcGeVector3d& normal, const AcGeVector3d& major,
              double ratio, double start, double end);
     AcGePoint3d pointAt(double parameter) const;
+    double thickness() const { return thickness_; } ///< few programs write one
+    void setThickness(double t) { thickness_ = t; }
 
     Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
     const char* notRenderedReason() const override;
+    std::uint32_t setAttributes(AcGiDrawableTraits* traits) override;
     bool worldDraw(AcGiWorldDraw* draw) override;
     void dxfIn(const dxf::ObjectTags& tags) override;
     void dxfOut(dxf::TagWriter& writer) const override;
@@ -148,7 +151,7 @@ private:
     AcGePoint3d center_;
     AcGeVector3d normal_ = AcGeVector3d::kZAxis;
     AcGeVector3d major_ = AcGeVector3d::kXAxis;
-    double ratio_ = 1;
+    double ratio_ = 1, thickness_ = 0;
     double start_ = 0, end_ = 6.283185307179586;
 };
 
@@ -166,11 +169,14 @@ public:
              std::vector<double> weights = {}, bool closed = false);
     /// A curve of degree 3 through these points instead of control points.
     void setFitPoints(std::vector<AcGePoint3d> points, bool closed = false);
+    double thickness() const { return thickness_; } ///< few programs write one
+    void setThickness(double t) { thickness_ = t; }
     /// Points along the curve, chords no farther from it than `deviation`.
     std::vector<AcGePoint3d> sample(double deviation) const;
 
     Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
     const char* notRenderedReason() const override;
+    std::uint32_t setAttributes(AcGiDrawableTraits* traits) override;
     bool worldDraw(AcGiWorldDraw* draw) override;
     void dxfIn(const dxf::ObjectTags& tags) override;
     void dxfOut(dxf::TagWriter& writer) const override;
@@ -179,6 +185,7 @@ private:
     int degree_ = 3;
     std::uint32_t flags_ = 0;
     AcGeVector3d normal_ = AcGeVector3d::kZAxis;
+    double thickness_ = 0;
     std::vector<double> knots_, weights_;
     std::vector<AcGePoint3d> control_points_, fit_points_;
 };

@@ -110,9 +110,10 @@ void AcDbEllipse::dxfIn(const dxf::ObjectTags& tags) {
     AcDbEntity::dxfIn(tags);
     using F = dxf::Field<AcDbEllipse>;
     static constexpr F kFields[] = {
-        F(10, &AcDbEllipse::center_),  F::axis(11, &AcDbEllipse::major_),
-        F(210, &AcDbEllipse::normal_), F(40, &AcDbEllipse::ratio_),
-        F(41, &AcDbEllipse::start_),   F(42, &AcDbEllipse::end_)};
+        F(10, &AcDbEllipse::center_),      F::axis(11, &AcDbEllipse::major_),
+        F(210, &AcDbEllipse::normal_),     F(40, &AcDbEllipse::ratio_),
+        F(41, &AcDbEllipse::start_),       F(42, &AcDbEllipse::end_),
+        F(39, &AcDbEllipse::thickness_, 0)};
     dxf::load_fields(*this, kFields, tags.own(), tags);
     dxf::repair_normal(normal_, tags);
 }
@@ -122,9 +123,10 @@ void AcDbEllipse::dxfOut(dxf::TagWriter& writer) const {
     writer.subclass("AcDbEllipse");
     using F = dxf::Field<AcDbEllipse>;
     static constexpr F kFields[] = {
-        F(10, &AcDbEllipse::center_),  F::axis(11, &AcDbEllipse::major_),
-        F(210, &AcDbEllipse::normal_), F(40, &AcDbEllipse::ratio_),
-        F(41, &AcDbEllipse::start_),   F(42, &AcDbEllipse::end_)};
+        F(10, &AcDbEllipse::center_),      F::axis(11, &AcDbEllipse::major_),
+        F(210, &AcDbEllipse::normal_),     F(40, &AcDbEllipse::ratio_),
+        F(41, &AcDbEllipse::start_),       F(42, &AcDbEllipse::end_),
+        F(39, &AcDbEllipse::thickness_, 0)};
     dxf::write_fields(*this, kFields, writer);
 }
 
@@ -144,9 +146,15 @@ void collect_point(std::vector<AcGePoint3d>& points, int axis, double value) {
 void AcDbSpline::dxfIn(const dxf::ObjectTags& tags) {
     AcDbEntity::dxfIn(tags);
     for (const dxf::Tag& tag : tags.own()) {
+        if (tag.is(100, "AcDbHelix")) {
+            break; // what a helix adds has the same codes
+        }
         switch (tag.code) {
         case 70:
             flags_ = static_cast<std::uint32_t>(tags.int32(tag));
+            break;
+        case 39:
+            thickness_ = tags.real(tag);
             break;
         case 71:
             degree_ = tags.int32(tag);
@@ -189,6 +197,7 @@ void AcDbSpline::dxfOut(dxf::TagWriter& writer) const {
     constexpr std::uint32_t kRational = 4;
     AcDbEntity::dxfOut(writer);
     writer.subclass("AcDbSpline");
+    writer.thickness(thickness_);
     writer.extrusion(normal_);
     writer.integer(70, weights_.empty() ? flags_ : flags_ | kRational);
     writer.integer(71, degree_);

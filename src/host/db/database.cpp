@@ -295,6 +295,8 @@ AcDbObjectId AcDbDatabase::addAcDbObject(std::unique_ptr<AcDbObject> object, AcD
     return AcDbObjectId(row);
 }
 
+const std::string& AcDbDatabase::xrefName() const { return impl_->xref_name; }
+
 std::size_t AcDbDatabase::objectCount() const { return impl_->objects; }
 
 std::size_t AcDbDatabase::memoryInUse() const {

@@ -65,6 +65,14 @@ public:
     void setInsunits(std::int16_t units);
     double facetres() const; ///< $FACETRES, 0.01 to 10, default 0.5
 
+    // Where on Earth the drawing lies: header variables, else the data on model space.
+    double latitude() const;  ///< degrees, north above 0
+    double longitude() const; ///< degrees, east above 0
+    /// Hours ahead of UTC times 1000, and minutes times 10: -3300 is three hours and a half behind.
+    std::int32_t timeZone() const;
+    double timeZoneHours() const;
+    double northDirection() const; ///< clockwise from the Y axis, radians
+
     AcDbSymbolTable& layerTable() { return *layers_; }
     AcDbSymbolTable& blockTable() { return *blocks_; }
     AcDbSymbolTable& viewportTable() { return *viewports_; }
@@ -91,6 +99,11 @@ public:
     AcDbObjectId getAcDbObjectId(AcDbHandle handle) const;
     /// Takes an object over, with a new handle.
     AcDbObjectId addAcDbObject(std::unique_ptr<AcDbObject> object, AcDbObjectId owner);
+    /// The drawing above all that this one is an external reference of; null for any other.
+    AcDbDatabase* xrefHost() const { return xref_host_; }
+    /// The name of the block through which it is one; it stands before the names of its layers.
+    const std::string& xrefName() const;
+
     /// Plain sizes for reports and benchmarks.
     std::size_t objectCount() const;
     std::size_t memoryInUse() const; ///< bytes of typed objects, tables and the index, roughly
@@ -108,6 +121,7 @@ private:
     std::unique_ptr<AcDbSymbolTable> layers_, blocks_, viewports_, views_, ucss_;
     AcDbObjectId layer_zero_, model_space_, named_objects_, active_viewport_;
     AcDbObjectId material_by_layer_, material_by_block_, material_global_;
+    AcDbDatabase* xref_host_ = nullptr;
 };
 
 /// The drawing that new calls mean; null when none is open.

@@ -2,9 +2,11 @@
 #pragma once
 
 #include "host/db/database.h"
+#include "host/dxf/data_section.h"
 #include "host/dxf/document.h"
 
 #include <deque>
+#include <optional>
 #include <unordered_map>
 
 namespace dxf {
@@ -26,6 +28,8 @@ private:
 };
 
 } // namespace dxf
+
+class AcDbXrefGraph;
 
 /// A record of a table without a class of its own.
 class AcDbNamedRecord : public AcDbSymbolTableRecord {
@@ -50,9 +54,15 @@ struct AcDbDatabase::Impl {
     std::map<std::string, AcDbValues> header_changes;
     AcDbObjectId material_dictionary, paper_space;
     std::size_t objects = 0;
+    /// The external references of this drawing, and those of the drawing that it is one of.
+    std::shared_ptr<AcDbXrefGraph> own_xrefs;
+    AcDbXrefGraph* xrefs = nullptr;
+    std::string xref_name; ///< the block through which it is a reference of another drawing
     /// Which group an entity belongs to; gathered when first asked for.
     std::unordered_map<const AcDbStub*, int> group_of;
     bool groups_known = false;
+    /// The data section's records of solids; gathered when first asked for.
+    std::optional<dxf::SolidDataIndex> solid_data;
 
     void forget_groups() {
         group_of.clear();
@@ -80,6 +90,13 @@ struct DxfAccess {
     };
     static Impl& impl(AcDbDatabase& db) { return *db.impl_; }
     static const Impl& impl(const AcDbDatabase& db) { return *db.impl_; }
+    static const dxf::SolidDataIndex& solid_data(AcDbDatabase& db) {
+        Impl& impl = *db.impl_;
+        if (!impl.solid_data) {
+            impl.solid_data.emplace(*impl.document);
+        }
+        return *impl.solid_data;
+    }
     static AcDbLoadReport& report(AcDbDatabase& db) { return db.report_; }
     static std::unique_ptr<AcDbSymbolTable>& layers(AcDbDatabase& db) { return db.layers_; }
     static std::unique_ptr<AcDbSymbolTable>& blocks(AcDbDatabase& db) { return db.blocks_; }
@@ -120,6 +137,8 @@ struct DxfAccess {
     static AcGePoint3d& origin(AcDbBlockTableRecord& b) { return b.origin_; }
     static std::int32_t& block_flags(AcDbBlockTableRecord& b) { return b.block_flags_; }
     static std::string& path(AcDbBlockTableRecord& b) { return b.path_; }
+    static bool& unloaded(AcDbBlockTableRecord& b) { return b.unloaded_; }
+    static AcDbDatabase*& xref_host(AcDbDatabase& db) { return db.xref_host_; }
 
     /// The table of that name, made when missing.
     static AcDbSymbolTable& table(AcDbDatabase& db, const std::string& name);

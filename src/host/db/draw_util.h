@@ -27,6 +27,28 @@ inline void extrude(AcDbExtents& box, const AcGeVector3d& shift) {
     }
 }
 
+/// Draws in other colours for the time of its life.
+class ColorScope {
+public:
+    explicit ColorScope(AcGiWorldDraw* draw)
+      : traits_(draw->subEntityTraits())
+      , before_(traits_.trueColor()) {}
+    ~ColorScope() { set(before_); }
+    ColorScope(const ColorScope&) = delete;
+    ColorScope& operator=(const ColorScope&) = delete;
+    void set(const AcCmEntityColor& color) {
+        if (color.isByColor()) {
+            traits_.setTrueColor(color);
+        } else {
+            traits_.setColor(static_cast<std::uint16_t>(color.colorIndex()));
+        }
+    }
+
+private:
+    AcGiSubEntityTraits& traits_;
+    AcCmEntityColor before_;
+};
+
 /// Adds the exact box of the arc.
 void addArc(AcDbExtents& box, const gi::EllipticalArc& arc);
 void addArc(AcDbExtents& box, const gi::Arc& arc);

@@ -58,6 +58,12 @@ bool AcDbEntity::isInPaperSpace() const { return (entity_flags_ & kPaperSpaceBit
 
 Acad::ErrorStatus AcDbEntity::getGeomExtents(AcDbExtents&) const { return Acad::eNullExtents; }
 
+void AcDbEntity::drawFindings(std::vector<AcDbDrawFinding>& findings) const {
+    if (const char* reason = notRenderedReason()) {
+        findings.push_back({reason, {}, 1});
+    }
+}
+
 void AcDbEntity::list() const {
     const auto line = [](const std::string& text) {
         acutPrintf(fmt::format("{:<18} {}\n", "", text));
@@ -74,16 +80,40 @@ void AcDbEntity::list() const {
     }
 }
 
+namespace {
+
+struct Common {
+    AcDbObjectId layer, material;
+};
+
+/// Layer and material with what stands for none. Layer 0, ByLayer and ByBlock of an external
+/// reference are those of the drawing that shows it.
+Common common_ids(const AcDbDatabase& own, AcDbObjectId layer, AcDbObjectId material) {
+    Common ids{layer.isNull() ? own.layerZero() : layer,
+               material.isNull() ? own.byLayerMaterial() : material};
+    if (const AcDbDatabase* host = own.xrefHost()) {
+        ids.layer = ids.layer == own.layerZero() ? host->layerZero() : ids.layer;
+        ids.material = ids.material == own.byLayerMaterial()   ? host->byLayerMaterial()
+                       : ids.material == own.byBlockMaterial() ? host->byBlockMaterial()
+                                                               : ids.material;
+    }
+    return ids;
+}
+
+} // namespace
+
 std::uint32_t AcDbEntity::setAttributes(AcGiDrawableTraits* traits) {
     const AcDbDatabase* own = database();
-    traits->setLayer(layer_.isNull() && own != nullptr ? own->layerZero() : layer_);
+    const Common common =
+        own != nullptr ? common_ids(*own, layer_, material_) : Common{layer_, material_};
+    traits->setLayer(common.layer);
     if (color_.isByColor()) {
         traits->setTrueColor(color_);
     } else {
         traits->setColor(static_cast<std::uint16_t>(color_.colorIndex()));
     }
     traits->setLineType(line_type_);
-    traits->setMaterial(material_.isNull() && own != nullptr ? own->byLayerMaterial() : material_);
+    traits->setMaterial(common.material);
     if (const AcGiMapper* own_mapper = mapper()) {
         traits->setMapper(own_mapper);
     }

@@ -2,9 +2,12 @@
 #pragma once
 
 #include "host/db/color.h"
+#include "host/db/draw_codes.h"
 #include "host/db/extents.h"
 #include "host/db/object.h"
 #include "host/gi/gi.h"
+
+#include <vector>
 
 class AcDbEntity : public AcDbObject {
     ACRX_DECLARE_MEMBERS(AcDbEntity)
@@ -32,8 +35,14 @@ public:
     /// The mapper attached to the entity, null when there is none.
     virtual const AcGiMapper* mapper() const;
     /// Why the entity gives no faces although it is visible, as a stable code for reports, or null
-    /// when it is drawn in full ("text", "curve-without-thickness", "solid", "hatch" ...).
+    /// when it is drawn in full: one of acdbDrawCodes.
     virtual const char* notRenderedReason() const { return nullptr; }
+    /// Adds everything that is not drawn of the entity, or only roughly: the reason above when
+    /// there is one, and for kinds that are drawn in parts what is left out. May have to build the
+    /// entity's mesh. Contents of blocks do not count here.
+    virtual void drawFindings(std::vector<AcDbDrawFinding>& findings) const;
+    /// Adds the blocks whose contents the entity draws; none for most kinds.
+    virtual void drawnBlocks(std::vector<AcDbObjectId>&) const {}
     /// Writes what `list` shows of the entity to the command line: class, layer, space, handle, and
     /// where it lies.
     virtual void list() const;

@@ -1,6 +1,9 @@
 // 3D faces, solids and traces draw themselves.
 #include "host/db/faces.h"
 #include "host/db/draw_util.h"
+#include "host/gi/face_list.h"
+
+#include <algorithm>
 
 ACRX_DXF_DEFINE_MEMBERS(AcDbFace, AcDbEntity, "3DFACE")
 ACRX_DXF_DEFINE_MEMBERS(AcDbSolid, AcDbEntity, "SOLID")
@@ -29,13 +32,6 @@ Outline outlineOf(const std::array<AcGePoint3d, 4>& corners, std::uint8_t invisi
     return outline;
 }
 
-/// The list of one face of three or four corners.
-std::span<const std::int32_t> oneFace(std::size_t count) {
-    static constexpr std::array<std::int32_t, 4> triangle{3, 0, 1, 2};
-    static constexpr std::array<std::int32_t, 5> quadrilateral{4, 0, 1, 2, 3};
-    return count == 3 ? std::span<const std::int32_t>(triangle) : quadrilateral;
-}
-
 /// Corners of a solid in the world, in the order round it: 1 2 4 3.
 std::array<AcGePoint3d, 4> worldCorners(const AcDbSolid& solid) {
     const AcGeMatrix3d to_world = AcGeMatrix3d::planeToWorld(solid.normal());
@@ -49,26 +45,81 @@ bool isFinite(const AcDbSolid& solid) {
            gi::isFinite(solid.thickness());
 }
 
-/// The body over an outline: bottom, top and a side for each edge.
-void drawBody(AcGiWorldDraw* draw, const Outline& base, const AcGeVector3d& extrusion) {
-    std::vector<AcGePoint3d> points(base.span().begin(), base.span().end());
-    for (const AcGePoint3d& p : base.span()) {
-        points.push_back(p + extrusion);
+/// Where the edges a b and c d cross, in the solid's plane; false when they do not.
+bool crossing(const AcGePoint3d& a, const AcGePoint3d& b, const AcGePoint3d& c,
+              const AcGePoint3d& d, AcGePoint3d& point) {
+    const AcGeVector3d ab = b - a, cd = d - c, ac = c - a;
+    const double sine = ab.x * cd.y - ab.y * cd.x;
+    if (sine == 0) {
+        return false;
     }
+    const double t = (ac.x * cd.y - ac.y * cd.x) / sine, u = (ac.x * ab.y - ac.y * ab.x) / sine;
+    point = a + ab * t;
+    return t > 0 && t < 1 && u > 0 && u < 1;
+}
+
+/// The outlines that a solid fills: its corners 1 2 4 3, or two triangles where edges cross.
+std::vector<Outline> outlinesOf(const AcDbSolid& solid) {
+    const auto& p = solid.points();
+    const std::array<AcGePoint3d, 4> round{p[0], p[1], p[3], p[2]};
+    AcGePoint3d x;
+    std::vector<std::array<AcGePoint3d, 4>> parts{round};
+    for (std::size_t i = 0; i < 2; ++i) {
+        const AcGePoint3d &a = round[i], &b = round[i + 1], &c = round[i + 2],
+                          &d = round[(i + 3) % 4];
+        if (crossing(a, b, c, d, x)) {
+            parts = {{x, b, c, c}, {x, d, a, a}};
+            break;
+        }
+    }
+    const AcGeMatrix3d to_world = AcGeMatrix3d::planeToWorld(solid.normal());
+    std::vector<Outline> outlines;
+    for (std::array<AcGePoint3d, 4>& part : parts) {
+        for (AcGePoint3d& corner : part) {
+            corner = corner.transformedBy(to_world);
+        }
+        Outline outline = outlineOf(part, 0);
+        if (outline.count >= 3) {
+            const std::size_t first = gi::fanCorner(outline.span());
+            const auto count = static_cast<std::ptrdiff_t>(outline.count);
+            std::rotate(outline.points.begin(),
+                        outline.points.begin() + static_cast<std::ptrdiff_t>(first) % count,
+                        outline.points.begin() + count);
+            outlines.push_back(outline);
+        }
+    }
+    return outlines;
+}
+
+/// The body over an outline: bottom, top and a side for each edge, faces seen from outside.
+void addBody(gi::FaceList& body, const Outline& base, const AcGeVector3d& extrusion) {
+    const auto first = static_cast<std::int32_t>(body.points.size());
     const auto count = static_cast<std::int32_t>(base.count);
-    std::vector<std::int32_t> faces{count};
-    for (std::int32_t i = count - 1; i >= 0; --i) {
-        faces.push_back(i);
+    AcGeVector3d area;
+    for (std::size_t i = 1; i + 1 < base.count; ++i) {
+        area = area +
+               (base.points[i] - base.points[0]).crossProduct(base.points[i + 1] - base.points[0]);
+    }
+    // Clockwise as seen against the extrusion: the top takes the place of the bottom.
+    const bool turned = area.dotProduct(extrusion) < 0;
+    for (const bool top : {turned, !turned}) {
+        for (const AcGePoint3d& p : base.span()) {
+            body.points.push_back(top ? p + extrusion : p);
+        }
+    }
+    std::vector<std::int32_t>& faces = body.faces;
+    faces.push_back(count);
+    for (std::int32_t i = 0; i < count; ++i) {
+        faces.push_back(first + (count - i) % count);
     }
     faces.push_back(count);
     for (std::int32_t i = 0; i < count; ++i) {
-        faces.push_back(count + i);
+        faces.push_back(first + count + i);
     }
     for (std::int32_t i = 0; i < count; ++i) {
-        const std::int32_t next = (i + 1) % count;
-        faces.insert(faces.end(), {4, i, next, count + next, count + i});
+        const std::int32_t a = first + i, b = first + (i + 1) % count;
+        faces.insert(faces.end(), {4, a, b, count + b, count + a});
     }
-    gi::shell(draw, points, faces);
 }
 
 } // namespace
@@ -97,7 +148,11 @@ bool AcDbFace::worldDraw(AcGiWorldDraw* draw) {
     }
     const Outline outline = outlineOf(points_, edges_);
     if (outline.count >= 3) {
-        gi::shell(draw, outline.span(), oneFace(outline.count), outline.visible.data());
+        constexpr std::int32_t kCorners[] = {0, 1, 2, 3};
+        gi::FaceList list;
+        list.points.assign(outline.span().begin(), outline.span().end());
+        list.add(std::span(kCorners).first(outline.count), outline.visible.data());
+        gi::shell(draw, list.points, list.faces, list.visible.data());
     }
     return true;
 }
@@ -131,14 +186,16 @@ bool AcDbSolid::worldDraw(AcGiWorldDraw* draw) {
     if (!isFinite(*this)) {
         return true;
     }
-    const Outline outline = outlineOf(worldCorners(*this), 0);
-    if (outline.count < 3) {
-        return true;
+    gi::FaceList body;
+    for (const Outline& outline : outlinesOf(*this)) {
+        if (thickness_ == 0) {
+            gi::polygon(draw, outline.span());
+        } else {
+            addBody(body, outline, draw::unitNormal(normal_) * thickness_);
+        }
     }
-    if (thickness_ == 0) {
-        gi::polygon(draw, outline.span());
-    } else {
-        drawBody(draw, outline, draw::unitNormal(normal_) * thickness_);
+    if (!body.faces.empty()) {
+        gi::shell(draw, body.points, body.faces);
     }
     return true;
 }

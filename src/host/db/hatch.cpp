@@ -1,247 +1,208 @@
-// Hatches: their boundary loops as chains of points.
+// Hatches measure and fill their areas.
 #include "host/db/hatch.h"
 
-#include "host/dxf/fields.h"
+#include "host/db/draw_util.h"
+#include "host/db/hatch_gradient.h"
 
 #include <algorithm>
 
 ACRX_DXF_DEFINE_MEMBERS(AcDbHatch, AcDbEntity, "HATCH")
+ACRX_DXF_DEFINE_MEMBERS(AcDbMPolygon, AcDbHatch, "MPOLYGON")
 
 namespace {
 
-enum EdgeKind { kLineEdge = 1, kArcEdge = 2, kEllipseEdge = 3, kSplineEdge = 4 };
-constexpr double kTurn = 2 * std::numbers::pi;
-/// Curves are sampled in steps of about this angle.
-constexpr double kStep = std::numbers::pi / 24;
+/// Points along the boundaries of one hatch before its curves become coarse.
+constexpr std::size_t kMostPoints = 2'000'000;
+/// With more rings times points than this nobody looks which lies in which.
+constexpr std::size_t kMostCompared = 50'000'000;
 
-/// Walks the boundary part of a hatch, tag by tag, in the order that the format gives.
-class LoopReader {
-public:
-    LoopReader(std::span<const dxf::Tag> range, const dxf::ObjectTags& tags)
-      : range_(range)
-      , tags_(tags) {}
-
-    std::vector<AcDbHatchLoop> read();
-
-private:
-    bool at(int code) const { return at_ < range_.size() && range_[at_].code == code; }
-    /// The value when the next tag has that code; otherwise the fallback, and nothing is passed.
-    double take(int code, double fallback = 0) {
-        return at(code) ? tags_.real(range_[at_++]) : fallback;
+/// A ring with its box.
+struct Box {
+    AcGePoint2d low{1e300, 1e300}, high{-1e300, -1e300};
+    explicit Box(const AcDbHatchRing& ring) {
+        for (const AcGePoint2d& p : ring) {
+            low = {std::min(low.x, p.x), std::min(low.y, p.y)};
+            high = {std::max(high.x, p.x), std::max(high.y, p.y)};
+        }
     }
-    std::int64_t take_integer(int code, std::int64_t fallback = 0) {
-        return at(code) ? tags_.integer(range_[at_++]) : fallback;
+    bool contains(const AcGePoint2d& p) const {
+        return p.x >= low.x && p.x <= high.x && p.y >= low.y && p.y <= high.y;
     }
-    AcGePoint2d take_point(int code) {
-        const double x = take(code), y = take(code + 10);
-        return {x, y};
-    }
-    /// Counts of the file are believed as far as there are tags.
-    std::size_t take_count(int code) {
-        const std::int64_t count = take_integer(code);
-        const auto left = static_cast<std::int64_t>(range_.size() - at_);
-        return static_cast<std::size_t>(std::clamp<std::int64_t>(count, 0, left));
-    }
-    void polyline(AcDbHatchLoop& loop);
-    void edge(AcDbHatchLoop& loop);
-    void line(AcDbHatchLoop& loop);
-    void arc(AcDbHatchLoop& loop);
-    void ellipse(AcDbHatchLoop& loop);
-    void spline(AcDbHatchLoop& loop);
-    std::span<const dxf::Tag> range_;
-    const dxf::ObjectTags& tags_;
-    std::size_t at_ = 0;
 };
 
-/// Adds points of a curve given by a function of its parameter.
-template <class Curve>
-void sample(AcDbHatchLoop& loop, double from, double to, Curve curve) {
-    const double sweep = std::clamp(to - from, -kTurn, kTurn);
-    const int steps = std::max(1, static_cast<int>(std::ceil(std::abs(sweep) / kStep)));
-    for (int i = 0; i <= steps; ++i) {
-        loop.points.push_back(curve(from + sweep * i / steps));
+bool isInside(const AcGePoint2d& p, const AcDbHatchRing& ring) {
+    bool inside = false;
+    for (std::size_t i = 0, j = ring.size() - 1; i < ring.size(); j = i++) {
+        const AcGePoint2d &a = ring[i], &b = ring[j];
+        if ((a.y > p.y) != (b.y > p.y) && p.x < (b.x - a.x) * (p.y - a.y) / (b.y - a.y) + a.x) {
+            inside = !inside;
+        }
     }
+    return inside;
 }
 
-/// The points between two polyline vertices that a bulge arches over.
-void add_bulge(AcDbHatchLoop& loop, AcGePoint2d a, AcGePoint2d b, double bulge) {
-    loop.points.push_back(a);
-    const double chord = a.distanceTo(b);
-    if (bulge == 0 || chord == 0) {
+/// Most of a few points along the ring lie within the other.
+bool isWithin(const AcDbHatchRing& ring, const AcDbHatchRing& other, const Box& box) {
+    constexpr std::size_t kProbes = 7;
+    std::size_t probes = 0, inside = 0;
+    const std::size_t step = std::max<std::size_t>(1, ring.size() / kProbes);
+    for (std::size_t i = 0; i < ring.size(); i += step) {
+        const AcGePoint2d &a = ring[i], &b = ring[(i + 1) % ring.size()];
+        const AcGePoint2d middle{(a.x + b.x) / 2, (a.y + b.y) / 2};
+        ++probes;
+        inside += box.contains(middle) && isInside(middle, other) ? 1 : 0;
+    }
+    return 2 * inside > probes;
+}
+
+double signedArea(const AcDbHatchRing& ring) {
+    double sum = 0;
+    for (std::size_t i = 0; i < ring.size(); ++i) {
+        const AcGePoint2d &a = ring[i], &b = ring[(i + 1) % ring.size()];
+        sum += (a.x - ring[0].x) * (b.y - ring[0].y) - (b.x - ring[0].x) * (a.y - ring[0].y);
+    }
+    return sum / 2;
+}
+
+/// Leaves out the rings that lie in more others than `deepest`.
+void dropNested(std::vector<AcDbHatchRing>& rings, std::size_t deepest) {
+    std::size_t points = 0;
+    for (const AcDbHatchRing& ring : rings) {
+        points += ring.size();
+    }
+    if (rings.size() * points > kMostCompared) {
         return;
     }
-    const double angle = 4 * std::atan(bulge);
-    const double radius = chord / (2 * std::sin(angle / 2));
-    const double away = radius * std::cos(angle / 2);
-    const AcGePoint2d center{(a.x + b.x) / 2 - (b.y - a.y) / chord * away,
-                             (a.y + b.y) / 2 + (b.x - a.x) / chord * away};
-    const double first = std::atan2(a.y - center.y, a.x - center.x);
-    const double size = std::abs(radius);
-    const int steps = std::max(2, static_cast<int>(std::ceil(std::abs(angle) / kStep)));
-    for (int i = 1; i < steps; ++i) {
-        const double t = first + angle * i / steps;
-        loop.points.push_back({center.x + size * std::cos(t), center.y + size * std::sin(t)});
+    std::vector<Box> boxes;
+    boxes.reserve(rings.size());
+    for (const AcDbHatchRing& ring : rings) {
+        boxes.emplace_back(ring);
     }
-}
-
-void LoopReader::polyline(AcDbHatchLoop& loop) {
-    take_integer(72);
-    const bool closed = take_integer(73) != 0;
-    const std::size_t count = take_count(93);
-    std::vector<std::pair<AcGePoint2d, double>> corners;
-    for (std::size_t i = 0; i < count && at(10); ++i) {
-        const AcGePoint2d p = take_point(10);
-        corners.emplace_back(p, take(42));
-    }
-    for (std::size_t i = 0; i < corners.size(); ++i) {
-        const bool last = i + 1 == corners.size();
-        const auto& [point, bulge] = corners[i];
-        add_bulge(loop, point, corners[last ? 0 : i + 1].first, last && !closed ? 0 : bulge);
-    }
-}
-
-void LoopReader::line(AcDbHatchLoop& loop) {
-    const AcGePoint2d from = take_point(10);
-    loop.points.push_back(from);
-    loop.points.push_back(take_point(11));
-}
-
-void LoopReader::arc(AcDbHatchLoop& loop) {
-    const AcGePoint2d c = take_point(10);
-    const double radius = take(40);
-    double from = take(50) * dxf::kRadians, to = take(51) * dxf::kRadians;
-    if (take_integer(73, 1) == 0) { // clockwise: the angles are mirrored
-        from = -from;
-        to = -to;
-    }
-    sample(loop, from, to, [&](double t) {
-        return AcGePoint2d{c.x + radius * std::cos(t), c.y + radius * std::sin(t)};
-    });
-}
-
-void LoopReader::ellipse(AcDbHatchLoop& loop) {
-    const AcGePoint2d c = take_point(10), major = take_point(11);
-    const double ratio = take(40);
-    double from = take(50) * dxf::kRadians, to = take(51) * dxf::kRadians;
-    if (take_integer(73, 1) == 0) {
-        from = -from;
-        to = -to;
-    }
-    sample(loop, from, to, [&](double t) {
-        const double u = std::cos(t), v = std::sin(t) * ratio;
-        return AcGePoint2d{c.x + major.x * u - major.y * v, c.y + major.y * u + major.x * v};
-    });
-}
-
-/// A spline's control points stand for it: near enough for a boundary that is data.
-void LoopReader::spline(AcDbHatchLoop& loop) {
-    take_integer(94);
-    take_integer(73);
-    take_integer(74);
-    const std::size_t knots = take_count(95), points = take_count(96);
-    for (std::size_t i = 0; i < knots && at(40); ++i) {
-        take(40);
-    }
-    for (std::size_t i = 0; i < points && at(10); ++i) {
-        loop.points.push_back(take_point(10));
-        take(42);
-    }
-    const std::size_t fits = take_count(97);
-    for (std::size_t i = 0; i < fits && at(11); ++i) {
-        take_point(11);
-    }
-    take_point(12);
-    take_point(13);
-}
-
-void LoopReader::edge(AcDbHatchLoop& loop) {
-    switch (take_integer(72)) {
-    case kLineEdge:
-        line(loop);
-        break;
-    case kArcEdge:
-        arc(loop);
-        break;
-    case kEllipseEdge:
-        ellipse(loop);
-        break;
-    case kSplineEdge:
-        spline(loop);
-        break;
-    default:
-        break;
-    }
-}
-
-std::vector<AcDbHatchLoop> LoopReader::read() {
-    std::vector<AcDbHatchLoop> loops;
-    const std::size_t count = take_count(91);
-    for (std::size_t i = 0; i < count && at_ < range_.size(); ++i) {
-        while (at_ < range_.size() && !at(92) && !at(75)) {
-            ++at_; // boundary objects, and what is not expected
+    std::vector<AcDbHatchRing> kept;
+    for (std::size_t i = 0; i < rings.size(); ++i) {
+        std::size_t depth = 0;
+        for (std::size_t j = 0; j < rings.size() && depth <= deepest; ++j) {
+            depth += j != i && isWithin(rings[i], rings[j], boxes[j]) ? 1 : 0;
         }
-        if (!at(92)) {
-            break;
+        if (depth <= deepest) {
+            kept.push_back(rings[i]);
         }
-        AcDbHatchLoop& loop = loops.emplace_back();
-        loop.flags = static_cast<std::int32_t>(take_integer(92));
-        if ((loop.flags & 2) != 0) {
-            polyline(loop);
-        } else {
-            const std::size_t edges = take_count(93);
-            for (std::size_t e = 0; e < edges && at(72); ++e) {
-                edge(loop);
-            }
-        }
-        loop.points.shrink_to_fit();
     }
-    return loops;
+    rings = std::move(kept);
+}
+
+std::vector<AcDbHatchRing> ringsOf(const AcDbHatch& hatch, double deviation) {
+    std::vector<AcDbHatchRing> rings;
+    std::size_t budget = kMostPoints;
+    for (const AcDbHatchLoop& loop : hatch.loops()) {
+        const bool text =
+            (loop.flags & (AcDbHatchLoop::kTextBox | AcDbHatchLoop::kTextIsland)) != 0;
+        if (loop.isBoundary() && !(text && hatch.hatchStyle() == AcDbHatch::kIgnore)) {
+            loop.addRings(rings, deviation, budget);
+        }
+    }
+    return rings;
+}
+
+std::vector<AcGePoint3d> toWorld(std::span<const AcGePoint2d> points, double elevation,
+                                 const AcGeMatrix3d& plane) {
+    std::vector<AcGePoint3d> lifted;
+    lifted.reserve(points.size());
+    for (const AcGePoint2d& p : points) {
+        lifted.push_back(AcGePoint3d{p.x, p.y, elevation}.transformedBy(plane));
+    }
+    return lifted;
+}
+
+void drawTriangles(AcGiWorldDraw* draw, std::span<const AcGePoint3d> points,
+                   std::span<const std::array<std::uint32_t, 3>> triangles) {
+    std::vector<std::int32_t> faces;
+    faces.reserve(4 * triangles.size());
+    for (const auto& t : triangles) {
+        faces.insert(faces.end(),
+                     {3, static_cast<std::int32_t>(t[0]), static_cast<std::int32_t>(t[1]),
+                      static_cast<std::int32_t>(t[2])});
+    }
+    if (!faces.empty() && gi::isFinite(points)) {
+        gi::shell(draw, points, faces);
+    }
 }
 
 } // namespace
 
-void AcDbHatch::dxfIn(const dxf::ObjectTags& tags) {
-    AcDbEntity::dxfIn(tags);
-    const std::span<const dxf::Tag> own = tags.own();
-    for (std::size_t i = 0; i < own.size(); ++i) {
-        const dxf::Tag& tag = own[i];
-        switch (tag.code) {
-        case 30:
-            elevation_ = tags.real(tag);
-            break;
-        case 2:
-            pattern_ = tags.text(tag);
-            break;
-        case 70:
-            solid_ = tags.integer(tag) != 0;
-            break;
-        case 210:
-        case 220:
-        case 230:
-            dxf::set_coordinate(normal_, tag.code / 10 - 21, tags.real(tag));
-            break;
-        case 91:
-            loops_ = LoopReader(own.subspan(i), tags).read();
-            i = own.size(); // pattern and gradient behind it stay in the file
-            break;
-        default:
-            break;
+ge::Triangulation AcDbHatch::area(double deviation) const {
+    std::vector<AcDbHatchRing> rings = ringsOf(*this, deviation);
+    ge::FillRule rule = ge::FillRule::kEvenOdd;
+    if (style_ == kOuter) {
+        dropNested(rings, 1);
+    } else if (style_ == kIgnore) {
+        dropNested(rings, 0);
+        rule = ge::FillRule::kNonZero; // what overlaps is filled as well
+        for (AcDbHatchRing& ring : rings) {
+            if (signedArea(ring) < 0) {
+                std::reverse(ring.begin(), ring.end());
+            }
         }
     }
-    dxf::repair_normal(normal_, tags);
+    return ge::triangulateRings(rings, rule);
 }
 
 Acad::ErrorStatus AcDbHatch::getGeomExtents(AcDbExtents& extents) const {
-    const AcGeMatrix3d to_world = AcGeMatrix3d::planeToWorld(normal_);
+    if (!gi::isFinite(elevation_) || !gi::isFinite(normal_)) {
+        return Acad::eInvalidExtents;
+    }
+    const AcGeMatrix3d plane = AcGeMatrix3d::planeToWorld(normal_);
     AcDbExtents box;
-    for (const AcDbHatchLoop& loop : loops_) {
-        for (const AcGePoint2d& p : loop.points) {
-            box.addPoint(AcGePoint3d{p.x, p.y, elevation_}.transformedBy(to_world));
+    for (const AcDbHatchRing& ring : ringsOf(*this, 0)) {
+        for (const AcGePoint3d& p : toWorld(ring, elevation_, plane)) {
+            box.addPoint(p);
         }
     }
-    if (box.isEmpty()) {
-        return Acad::eNullExtents;
+    return draw::giveExtents(box, extents);
+}
+
+const char* AcDbHatch::notRenderedReason() const {
+    if (!isFilled()) {
+        return "hatch-pattern";
     }
-    extents = box;
-    return Acad::eOk;
+    const bool numbers = gi::isFinite(elevation_) && gi::isFinite(normal_);
+    return numbers && !ringsOf(*this, 0).empty() ? nullptr : "hatch-boundary";
+}
+
+void AcDbHatch::drawFindings(std::vector<AcDbDrawFinding>& findings) const {
+    if (const char* reason = notRenderedReason()) {
+        findings.push_back({reason, {}, 1});
+        return;
+    }
+    const ge::Triangulation inside = area(0);
+    if (inside.triangles.empty()) {
+        findings.push_back({"hatch-boundary", "its loops enclose no area", 1});
+    } else if (inside.crossed) {
+        findings.push_back({"hatch-crossing", {}, 1});
+    }
+    if (!solid_ && !gradient_.on && !inside.triangles.empty()) {
+        findings.push_back({"hatch-pattern", "only the background is drawn", 1});
+    }
+}
+
+bool AcDbHatch::worldDraw(AcGiWorldDraw* draw) {
+    if (!isFilled() || loops_.empty() || !gi::isFinite(elevation_) || !gi::isFinite(normal_)) {
+        return true;
+    }
+    const AcGeMatrix3d plane = AcGeMatrix3d::planeToWorld(normal_);
+    const AcGePoint3d origin = AcGePoint3d{0, 0, elevation_}.transformedBy(plane);
+    const ge::Triangulation inside = area(draw->deviation(kAcGiMaxDevForBoundary, origin));
+    draw::ColorScope colors(draw);
+    if (gradient_.on) {
+        for (const draw::GradientBand& band : draw::gradientBands(inside, gradient_)) {
+            colors.set(band.color);
+            drawTriangles(draw, toWorld(band.points, elevation_, plane), band.triangles);
+        }
+        return true;
+    }
+    if (has_background_ && (!solid_ || AcDbMPolygon::cast(this) != nullptr)) {
+        colors.set(background_);
+    }
+    drawTriangles(draw, toWorld(inside.points, elevation_, plane), inside.triangles);
+    return true;
 }

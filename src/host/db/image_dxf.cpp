@@ -17,11 +17,7 @@ void AcDbRasterImage::dxfIn(const dxf::ObjectTags& tags) {
         F(283, &AcDbRasterImage::fade_),         F(360, &AcDbRasterImage::reactor_),
         F(71, &AcDbRasterImage::boundary_type_), F(290, &AcDbRasterImage::inverted_)};
     for (const dxf::Tag& tag : tags.subclass("AcDbRasterImage")) {
-        if (tag.code == 14) {
-            boundary_.push_back({tags.real(tag), 0});
-        } else if (tag.code == 24 && !boundary_.empty()) {
-            boundary_.back().y = tags.real(tag);
-        } else {
+        if (!dxf::take_outline(boundary_, 14, tag, tags)) {
             dxf::load_fields(*this, kFields, std::span(&tag, 1), tags);
         }
     }

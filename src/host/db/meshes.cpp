@@ -1,6 +1,7 @@
 // Polygon meshes and polyface meshes draw themselves.
 #include "host/db/draw_util.h"
 #include "host/db/polylines.h"
+#include "host/gi/face_list.h"
 
 #include <algorithm>
 
@@ -71,6 +72,38 @@ std::vector<AcGeVector3d> gridNormals(const Grid& grid) {
     return normals;
 }
 
+/// At a pole a whole line of the grid is one point and has no normals of its own: it takes the
+/// mean of those beside it. `stride` leads along the line, `across` to the next one; the last point
+/// of a closed line repeats the first and counts once.
+void mendLine(std::vector<AcGeVector3d>& normals, std::size_t first, std::size_t stride,
+              std::size_t count, bool closed, std::ptrdiff_t across) {
+    AcGeVector3d sum;
+    for (std::size_t i = 0; i + (closed ? 1 : 0) < count; ++i) {
+        const std::size_t at = first + i * stride;
+        if (normals[at].length() > 0) {
+            return;
+        }
+        const auto beside = static_cast<std::size_t>(static_cast<std::ptrdiff_t>(at) + across);
+        sum = sum + normals[beside];
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        normals[first + i * stride] = sum;
+    }
+}
+
+void mendPoles(const Grid& grid, std::vector<AcGeVector3d>& normals) {
+    const std::size_t rows = grid.rows, columns = grid.columns;
+    const auto width = static_cast<std::ptrdiff_t>(columns);
+    if (rows > 2) {
+        mendLine(normals, 0, 1, columns, grid.closed_columns, width);
+        mendLine(normals, (rows - 1) * columns, 1, columns, grid.closed_columns, -width);
+    }
+    if (columns > 2) {
+        mendLine(normals, 0, columns, rows, grid.closed_rows, 1);
+        mendLine(normals, columns - 1, columns, rows, grid.closed_rows, -1);
+    }
+}
+
 /// Makes the normals unit vectors; false when one has no direction, at a pole for instance.
 bool normalizeAll(std::vector<AcGeVector3d>& normals) {
     for (AcGeVector3d& normal : normals) {
@@ -109,40 +142,30 @@ Grid drawnGrid(const std::vector<AcDbHeavyVertex>& vertices, const GridSource& s
     return closeGrid(open, (source.flags & kClosedM) != 0, (source.flags & kClosedN) != 0);
 }
 
-/// A shell in the making.
-struct Shell {
-    std::vector<AcGePoint3d> points;
-    std::vector<std::int32_t> faces;
-    std::vector<std::uint8_t> visible; ///< edges, face after face
-};
-
 bool isFaceRecord(const AcDbHeavyVertex& vertex) {
     return (vertex.flags & kFace) != 0 && (vertex.flags & kPoint) == 0;
 }
 
 /// Appends a face record; corners that name no usable point are left out, and the face with them
 /// when fewer than three are left. `places` leads from numbers in the file to points.
-void addFace(Shell& shell, const std::array<std::int32_t, 4>& face,
+void addFace(gi::FaceList& shell, const std::array<std::int32_t, 4>& face,
              const std::vector<std::int32_t>& places) {
-    const std::size_t start = shell.faces.size();
-    shell.faces.push_back(0);
+    std::array<std::int32_t, 4> corners{};
+    std::array<std::uint8_t, 4> visible{};
+    std::size_t count = 0;
     for (const std::int32_t corner : face) {
         const auto number = static_cast<std::uint64_t>(std::abs(std::int64_t{corner}));
         if (number >= 1 && number <= places.size() && places[number - 1] >= 0) {
-            shell.faces.push_back(places[number - 1]);
-            shell.visible.push_back(corner > 0 ? 1 : 0);
+            corners[count] = places[number - 1];
+            visible[count] = corner > 0 ? 1 : 0;
+            ++count;
         }
     }
-    const std::size_t corners = shell.faces.size() - start - 1;
-    shell.faces[start] = static_cast<std::int32_t>(corners);
-    if (corners < 3) {
-        shell.faces.resize(start);
-        shell.visible.resize(shell.visible.size() - corners);
-    }
+    shell.add(std::span(corners).first(count), visible.data());
 }
 
-Shell shellOf(const std::vector<AcDbHeavyVertex>& vertices) {
-    Shell shell;
+gi::FaceList shellOf(const std::vector<AcDbHeavyVertex>& vertices) {
+    gi::FaceList shell;
     std::vector<std::int32_t> places; // -1 for points that are not finite
     for (const AcDbHeavyVertex& vertex : vertices) {
         if (!isFaceRecord(vertex)) {
@@ -180,6 +203,7 @@ bool AcDbPolygonMesh::worldDraw(AcGiWorldDraw* draw) {
     std::vector<AcGeVector3d> normals;
     if (is_smooth) {
         normals = gridNormals(grid);
+        mendPoles(grid, normals);
         if (!normalizeAll(normals)) {
             normals.clear();
         }
@@ -210,7 +234,7 @@ const char* AcDbPolyFaceMesh::notRenderedReason() const {
 }
 
 bool AcDbPolyFaceMesh::worldDraw(AcGiWorldDraw* draw) {
-    const Shell shell = shellOf(vertices_);
+    const gi::FaceList shell = shellOf(vertices_);
     if (!shell.faces.empty()) {
         gi::shell(draw, shell.points, shell.faces, shell.visible.data());
     }

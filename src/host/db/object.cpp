@@ -6,7 +6,7 @@
 #include "host/db/material_mapper.h"
 #include "host/dxf/load_context.h"
 #include "host/dxf/object_tags.h"
-#include "host/dxf/tag_reader.h"
+#include "host/dxf/source_tags.h"
 
 #include <algorithm>
 
@@ -64,27 +64,6 @@ Acad::ErrorStatus AcDbObject::erase(bool erasing) {
     return Acad::eOk;
 }
 
-namespace {
-
-/// Reads the tags of an object's own part of its span: parts of it (vertices) are left out.
-std::vector<dxf::Tag> source_tags(const AcDbObject& object) {
-    std::vector<dxf::Tag> tags;
-    const AcDbDatabase* db = object.database();
-    const dxf::Span span = DxfAccess::span(object);
-    if (db == nullptr || span.empty()) {
-        return tags;
-    }
-    const dxf::Document& document = *DxfAccess::impl(*db).document;
-    dxf::TagReader reader(document.bytes(span), document.form().form, document.form().line_end);
-    dxf::Tag tag;
-    while (reader.next(tag) && (tags.empty() || tag.code != 0)) {
-        tags.push_back(tag);
-    }
-    return tags;
-}
-
-} // namespace
-
 bool AcDbObject::mayHaveAttachments() const {
     return extras_ != nullptr ||
            (entity_flags_ & (DxfAccess::kExtended | DxfAccess::kAttached)) != 0;
@@ -101,7 +80,7 @@ AcDbObjectId AcDbObject::extensionDictionary() const {
     if ((entity_flags_ & DxfAccess::kExtended) == 0) {
         return {};
     }
-    const std::vector<dxf::Tag> tags = source_tags(*this);
+    const std::vector<dxf::Tag> tags = dxf::source_tags(*this);
     if (tags.empty()) {
         return {};
     }
@@ -141,7 +120,7 @@ std::vector<AcDbValues> source_groups(const AcDbObject& object) {
     if (!DxfAccess::attached(object)) {
         return groups;
     }
-    const std::vector<dxf::Tag> tags = source_tags(object);
+    const std::vector<dxf::Tag> tags = dxf::source_tags(object);
     if (tags.empty()) {
         return groups;
     }

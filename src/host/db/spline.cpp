@@ -273,10 +273,24 @@ Acad::ErrorStatus AcDbSpline::getGeomExtents(AcDbExtents& extents) const {
     for (const AcGePoint3d& p : sample(sizeOf(given) * 1e-4)) {
         box.addPoint(p);
     }
+    draw::extrude(box, draw::unitNormal(normal_) * thickness_);
     return draw::giveExtents(box, extents);
 }
 
-const char* AcDbSpline::notRenderedReason() const { return draw::kNoThickness; }
+const char* AcDbSpline::notRenderedReason() const {
+    if (thickness_ == 0) {
+        return draw::kNoThickness;
+    }
+    const bool usable =
+        gi::isFinite(thickness_) && gi::isFinite(normal_) && sample(1e300).size() > 1;
+    return usable ? nullptr : draw::kDegenerate;
+}
+
+std::uint32_t AcDbSpline::setAttributes(AcGiDrawableTraits* traits) {
+    const std::uint32_t flags = AcDbEntity::setAttributes(traits);
+    traits->setThickness(gi::isFinite(thickness_) ? thickness_ : 0);
+    return flags;
+}
 
 bool AcDbSpline::worldDraw(AcGiWorldDraw* draw) {
     const std::vector<AcGePoint3d>& given =

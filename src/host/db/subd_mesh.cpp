@@ -2,6 +2,8 @@
 #include "host/db/draw_util.h"
 #include "host/db/faces.h"
 #include "host/db/subdivision.h"
+#include "host/gi/face_list.h"
+#include "host/gi/shape_cache.h"
 
 ACRX_DXF_DEFINE_MEMBERS(AcDbSubDMesh, AcDbEntity, "MESH")
 
@@ -17,6 +19,36 @@ subd::Mesh smoothed(const AcDbSubDMesh& mesh, std::size_t most_faces) {
     return subd::refine(
         subd::makeMesh(mesh.vertices(), mesh.faceList(), mesh.edges(), mesh.creases()),
         mesh.subdivisionLevel(), most_faces);
+}
+
+/// One shell; none for a mesh without faces.
+gi::ShapeData smoothedShape(const AcDbSubDMesh& of) {
+    gi::ShapeData shape;
+    subd::Mesh mesh = smoothed(of, of.creases().empty() ? kMostDrawn : kMostCreased);
+    std::vector<AcGeVector3d> normals =
+        of.subdivisionLevel() > 0 ? subd::smoothNormals(mesh) : std::vector<AcGeVector3d>();
+    if (mesh.faceCount() == 0 || !gi::isFinite(mesh.points)) {
+        return shape;
+    }
+    gi::FaceList list;
+    list.points = std::move(mesh.points);
+    list.faces.reserve(mesh.corners.size() + mesh.faceCount());
+    std::vector<std::int32_t> face;
+    for (std::size_t f = 0; f < mesh.faceCount(); ++f) {
+        face.assign(mesh.corners.begin() + mesh.starts[f],
+                    mesh.corners.begin() + mesh.starts[f + 1]);
+        if (normals.empty()) {
+            list.add(face);
+        } else { // rounds of smoothing leave quadrilaterals that a fan covers
+            list.faces.push_back(static_cast<std::int32_t>(face.size()));
+            list.faces.insert(list.faces.end(), face.begin(), face.end());
+        }
+    }
+    if (!list.faces.empty()) {
+        shape.shells.push_back(
+            {std::move(list.points), std::move(list.faces), std::move(normals), {}, 0});
+    }
+    return shape;
 }
 
 } // namespace
@@ -53,20 +85,7 @@ const char* AcDbSubDMesh::notRenderedReason() const {
 }
 
 bool AcDbSubDMesh::worldDraw(AcGiWorldDraw* draw) {
-    subd::Mesh mesh = smoothed(*this, creases_.empty() ? kMostDrawn : kMostCreased);
-    const std::vector<AcGeVector3d> normals =
-        level_ > 0 ? subd::smoothNormals(mesh) : std::vector<AcGeVector3d>();
-    if (mesh.faceCount() == 0 || !gi::isFinite(mesh.points)) {
-        return true;
-    }
-    std::vector<std::int32_t> faces;
-    faces.reserve(mesh.corners.size() + mesh.faceCount());
-    for (std::size_t f = 0; f < mesh.faceCount(); ++f) {
-        faces.push_back(static_cast<std::int32_t>(mesh.starts[f + 1] - mesh.starts[f]));
-        for (std::uint32_t c = mesh.starts[f]; c < mesh.starts[f + 1]; ++c) {
-            faces.push_back(static_cast<std::int32_t>(mesh.corners[c]));
-        }
-    }
-    gi::shell(draw, mesh.points, faces, nullptr, normals.empty() ? nullptr : normals.data());
+    const auto shape = gi::ShapeCache::get({objectId()}, [this] { return smoothedShape(*this); });
+    gi::drawShape(draw, *shape);
     return true;
 }

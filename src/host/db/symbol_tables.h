@@ -78,8 +78,11 @@ public:
     void setOrigin(const AcGePoint3d& origin) { origin_ = origin; }
     bool isLayout() const; ///< model or paper space
     bool isAnonymous() const { return (block_flags_ & 1) != 0; }
-    bool isFromExternalReference() const { return (block_flags_ & 4) != 0; }
-    const std::string& pathName() const { return path_; }
+    bool isFromExternalReference() const { return (block_flags_ & (4 | 8)) != 0; }
+    bool isFromOverlayReference() const { return (block_flags_ & 8) != 0; }
+    /// A reference that shall not be loaded.
+    bool isUnloaded() const { return unloaded_; }
+    const std::string& pathName() const { return path_; } ///< of an external reference's drawing
     const std::vector<AcDbObjectId>& entities() const { return entities_; } ///< in file order
     /// Adds an entity; the database takes it over.
     Acad::ErrorStatus appendAcDbEntity(std::unique_ptr<AcDbEntity> entity, AcDbObjectId& id);
@@ -91,6 +94,7 @@ private:
     AcGePoint3d origin_;
     std::int32_t block_flags_ = 0;
     std::string path_;
+    bool unloaded_ = false;
     std::vector<AcDbObjectId> entities_;
 };
 
@@ -116,7 +120,10 @@ public:
     void setLensLength(double lens) { lens_ = lens; }
     bool perspectiveEnabled() const { return (mode_ & 1) != 0; }
     void setPerspectiveEnabled(bool on) { mode_ = on ? mode_ | 1 : mode_ & ~1; }
+    bool frontClipEnabled() const { return (mode_ & 2) != 0; }
+    bool backClipEnabled() const { return (mode_ & 4) != 0; }
     AcDbObjectId sunId() const { return sun_; }
+    void setSun(AcDbObjectId sun) { sun_ = sun; }
 
 protected:
     AcGePoint2d center_;

@@ -3,6 +3,13 @@
 
 #include "host/dxf/fields.h"
 
+#include <algorithm>
+
+namespace {
+/// Group codes of the vertical alignment: in attributes and definitions the other one is taken.
+constexpr int kVerticalOfText = 73, kVerticalOfAttribute = 74;
+} // namespace
+
 ACRX_DXF_DEFINE_MEMBERS(AcDbText, AcDbEntity, "TEXT")
 ACRX_DXF_DEFINE_MEMBERS(AcDbMText, AcDbText, "MTEXT")
 ACRX_DXF_DEFINE_MEMBERS(AcDbAttributeDefinition, AcDbText, "ATTDEF")
@@ -11,12 +18,28 @@ ACRX_DXF_DEFINE_MEMBERS(AcDbAttribute, AcDbText, "ATTRIB")
 void AcDbText::dxfIn(const dxf::ObjectTags& tags) {
     AcDbEntity::dxfIn(tags);
     using F = dxf::Field<AcDbText>;
-    static constexpr F kFields[] = {F(10, &AcDbText::position_), F(40, &AcDbText::height_),
-                                    F(1, &AcDbText::text_), F::angle(50, &AcDbText::rotation_, 0),
+    static constexpr F kFields[] = {F(39, &AcDbText::thickness_, 0),
+                                    F(10, &AcDbText::position_),
+                                    F(40, &AcDbText::height_),
+                                    F(1, &AcDbText::text_),
+                                    F::angle(50, &AcDbText::rotation_, 0),
+                                    F(41, &AcDbText::width_factor_, 1),
+                                    F::angle(51, &AcDbText::oblique_, 0),
+                                    F(7, &AcDbText::style_),
+                                    F(71, &AcDbText::generation_, 0),
+                                    F(72, &AcDbText::horizontal_, 0),
+                                    F(11, &AcDbText::alignment_),
                                     F(210, &AcDbText::normal_)};
     // The attribute's own part has other meanings for some of these codes.
     std::span<const dxf::Tag> range = tags.subclass("AcDbText");
-    dxf::load_fields(*this, kFields, range.empty() ? tags.own() : range, tags);
+    range = range.empty() ? tags.own() : range;
+    dxf::load_fields(*this, kFields, range, tags);
+    aligned_ = std::any_of(range.begin(), range.end(), [](const auto& t) { return t.code == 11; });
+    // This one stands in the second part of its name.
+    const int vertical = tags.type() == "TEXT" ? kVerticalOfText : kVerticalOfAttribute;
+    for (const dxf::Tag& tag : tags.own()) {
+        vertical_ = tag.code == vertical ? tags.int32(tag) : vertical_;
+    }
     dxf::repair_normal(normal_, tags);
 }
 
@@ -24,12 +47,29 @@ void AcDbText::dxfOut(dxf::TagWriter& writer) const {
     AcDbEntity::dxfOut(writer);
     writer.subclass("AcDbText");
     using F = dxf::Field<AcDbText>;
-    static constexpr F kFields[] = {F(10, &AcDbText::position_), F(40, &AcDbText::height_),
-                                    F(1, &AcDbText::text_), F::angle(50, &AcDbText::rotation_, 0),
-                                    F(210, &AcDbText::normal_)};
+    static constexpr F kFields[] = {F(39, &AcDbText::thickness_, 0),
+                                    F(10, &AcDbText::position_),
+                                    F(40, &AcDbText::height_),
+                                    F(1, &AcDbText::text_),
+                                    F::angle(50, &AcDbText::rotation_, 0),
+                                    F(41, &AcDbText::width_factor_, 1),
+                                    F::angle(51, &AcDbText::oblique_, 0)};
     dxf::write_fields(*this, kFields, writer);
+    if (!style_.empty()) {
+        writer.text(7, style_);
+    }
+    static constexpr F kLast[] = {F(71, &AcDbText::generation_, 0),
+                                  F(72, &AcDbText::horizontal_, 0)};
+    dxf::write_fields(*this, kLast, writer);
+    if (aligned_) {
+        writer.point(11, alignment_);
+    }
+    writer.extrusion(normal_);
     if (isA() == AcDbText::desc()) {
         writer.subclass("AcDbText"); // the marker stands twice in a TEXT
+        if (vertical_ != 0) {
+            writer.integer(kVerticalOfText, vertical_);
+        }
     }
 }
 
@@ -100,13 +140,15 @@ void AcDbMText::dxfOut(dxf::TagWriter& writer) const {
 
 namespace {
 
-/// Tag and, for definitions, prompt: in the subclass's own part where there is one.
+/// Tag, flags and, for definitions, prompt: in the subclass's own part where there is one.
 void read_attribute(const dxf::ObjectTags& tags, const char* subclass, std::string& tag_text,
-                    std::string* prompt) {
+                    std::int32_t& flags, std::string* prompt) {
     std::span<const dxf::Tag> range = tags.subclass(subclass);
     for (const dxf::Tag& tag : range.empty() ? tags.own() : range) {
         if (tag.code == 2) {
             tag_text = tags.text(tag);
+        } else if (tag.code == 70) {
+            flags = tags.int32(tag);
         } else if (tag.code == 3 && prompt != nullptr) {
             *prompt = tags.text(tag);
         }
@@ -117,7 +159,7 @@ void read_attribute(const dxf::ObjectTags& tags, const char* subclass, std::stri
 
 void AcDbAttributeDefinition::dxfIn(const dxf::ObjectTags& tags) {
     AcDbText::dxfIn(tags);
-    read_attribute(tags, "AcDbAttributeDefinition", tag_, &prompt_);
+    read_attribute(tags, "AcDbAttributeDefinition", tag_, flags_, &prompt_);
 }
 
 void AcDbAttributeDefinition::dxfOut(dxf::TagWriter& writer) const {
@@ -125,17 +167,23 @@ void AcDbAttributeDefinition::dxfOut(dxf::TagWriter& writer) const {
     writer.subclass("AcDbAttributeDefinition");
     writer.text(3, prompt_);
     writer.text(2, tag_);
-    writer.integer(70, 0);
+    writer.integer(70, flags_);
+    if (vertical_ != 0) {
+        writer.integer(kVerticalOfAttribute, vertical_);
+    }
 }
 
 void AcDbAttribute::dxfIn(const dxf::ObjectTags& tags) {
     AcDbText::dxfIn(tags);
-    read_attribute(tags, "AcDbAttribute", tag_, nullptr);
+    read_attribute(tags, "AcDbAttribute", tag_, flags_, nullptr);
 }
 
 void AcDbAttribute::dxfOut(dxf::TagWriter& writer) const {
     AcDbText::dxfOut(writer);
     writer.subclass("AcDbAttribute");
     writer.text(2, tag_);
-    writer.integer(70, 0);
+    writer.integer(70, flags_);
+    if (vertical_ != 0) {
+        writer.integer(kVerticalOfAttribute, vertical_);
+    }
 }

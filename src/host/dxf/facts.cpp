@@ -11,8 +11,6 @@
 namespace dxf {
 namespace {
 
-constexpr std::size_t kMostHandles = 10;
-
 /// Adds an entity's points to the box when it is a plain one.
 void add_plain(const AcDbEntity& entity, AcDbExtents& box) {
     if (const auto* mesh = AcDbSubDMesh::cast(&entity); mesh != nullptr) {
@@ -43,16 +41,8 @@ void count_space(const AcDbBlockTableRecord& block, std::map<std::string, std::u
         const std::string name = entity->dxfName();
         ++counts[name];
         facts.lights += name == "LIGHT" ? 1 : 0;
-        if (plain == nullptr) {
-            continue;
-        }
-        add_plain(*entity, *plain);
-        if (const char* reason = entity->notRenderedReason(); reason != nullptr) {
-            NotRendered& entry = facts.not_rendered[reason];
-            ++entry.count;
-            if (entry.handles.size() < kMostHandles) {
-                entry.handles.push_back(id.handle().value());
-            }
+        if (plain != nullptr) {
+            add_plain(*entity, *plain);
         }
     }
 }

@@ -18,12 +18,6 @@ struct LayerFacts {
     std::optional<std::uint32_t> true_color; ///< 0x00RRGGBB
 };
 
-/// Entities that give no faces, by reason.
-struct NotRendered {
-    std::uint64_t count = 0;
-    std::vector<std::uint64_t> handles; ///< the first ones
-};
-
 struct DrawingFacts {
     std::string acadver;      ///< as programs tell it: R12 and older are AC1009
     std::string file_version; ///< as the file has it, empty when it tells none
@@ -40,7 +34,6 @@ struct DrawingFacts {
     std::vector<std::string> materials;
     std::vector<std::string> views;
     std::uint64_t lights = 0;
-    std::map<std::string, NotRendered> not_rendered; ///< model space, by reason
     AcDbLoadReport report;
 };
 

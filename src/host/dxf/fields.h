@@ -7,6 +7,7 @@
 
 #include <numbers>
 #include <span>
+#include <vector>
 
 namespace dxf {
 
@@ -111,6 +112,30 @@ inline void take_extrusion(AcGeVector3d& normal, const Tag& tag, const ObjectTag
     if (tag.code == 210 || tag.code == 220 || tag.code == 230) {
         set_coordinate(normal, tag.code / 10 - 21, tags.real(tag));
     }
+}
+
+/// Takes a tag of scale factors, groups 41, 42 and 43; false for any other.
+inline bool take_scale(AcGeScale3d& scale, const Tag& tag, const ObjectTags& tags) {
+    double* const factors[] = {&scale.sx, &scale.sy, &scale.sz};
+    if (tag.code < 41 || tag.code > 43) {
+        return false;
+    }
+    *factors[tag.code - 41] = tags.real(tag);
+    return true;
+}
+
+/// Takes a tag of an outline's points, whose x has group `code`; false for any other.
+inline bool take_outline(std::vector<AcGePoint2d>& outline, int code, const Tag& tag,
+                         const ObjectTags& tags) {
+    if (tag.code == code) {
+        outline.push_back({tags.real(tag), 0});
+        return true;
+    }
+    if (tag.code == code + 10 && !outline.empty()) {
+        outline.back().y = tags.real(tag);
+        return true;
+    }
+    return false;
 }
 
 template <class T>

@@ -393,6 +393,7 @@ void Reader::begin_block(const ObjectTags& tags) {
     AcGePoint3d origin;
     std::int32_t flags = 0;
     std::string path;
+    bool unloaded = false;
     for (const Tag& tag : tags.own()) {
         if (tag.code == 2 && name.empty()) {
             name = tags.text(tag);
@@ -406,6 +407,8 @@ void Reader::begin_block(const ObjectTags& tags) {
             origin.z = tags.real(tag);
         } else if (tag.code == 1) {
             path = tags.text(tag);
+        } else if (tag.code == 71) {
+            unloaded = tags.integer(tag) == 1;
         }
     }
     note_handle(tags);
@@ -436,6 +439,7 @@ void Reader::begin_block(const ObjectTags& tags) {
     DxfAccess::origin(*block_) = origin;
     DxfAccess::block_flags(*block_) = flags;
     DxfAccess::path(*block_) = path;
+    DxfAccess::unloaded(*block_) = unloaded;
 }
 
 void Reader::end_block(const ObjectTags* end) {
@@ -484,7 +488,7 @@ void Reader::entity(const ObjectTags& tags, AcDbBlockTableRecord& owner) {
     }
     const std::string_view type = tags.type();
     std::int64_t flags = 0;
-    if (type == "POLYLINE") {
+    if (type == "POLYLINE" || type == "DIMENSION") {
         const Tag* tag = tags.find(70);
         flags = tag != nullptr ? tags.integer(*tag) : 0;
     }
@@ -611,9 +615,9 @@ void Reader::resolve_blocks() {
         AcDbObjectId id = context_.block(name);
         if (id.isNull()) {
             context_.set_handle(reference->getAcDbHandle().value());
-            context_.lost("dxf-missing-block",
-                          "there is no block of the name " +
-                              document_.encoding.decode(name.substr(0, 255)),
+            const std::string words = document_.encoding.decode(name.substr(0, 255));
+            reference->setBlockName(words);
+            context_.lost("dxf-missing-block", "there is no block of the name " + words,
                           name.data());
         }
         reference->setBlockTableRecord(id);

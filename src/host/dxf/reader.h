@@ -16,7 +16,7 @@ Acad::ErrorStatus read_document(AcDbDatabase& database, Document& document, std:
                                 const AcDbDatabase::Monitor& monitor);
 
 /// An empty object of the class that reads such tags, or null for a kind that is not known.
-/// `flags` is group code 70 of a POLYLINE, which tells its class.
+/// `flags` is group code 70 of a POLYLINE or DIMENSION, which tells its class.
 std::unique_ptr<AcDbObject> make_object(std::string_view dxf_name, std::int64_t flags,
                                         bool is_entity);
 /// Reads one VERTEX into a heavy polyline.

@@ -1,6 +1,8 @@
 // The fall-back chains from a refused primitive to simpler ones.
 #include "host/gi/fallback.h"
 
+#include "host/gi/clip_draw.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -14,16 +16,57 @@ double deviationAt(AcGiWorldDraw* draw, const AcGePoint3d& p) {
     return draw->deviation(kAcGiMaxDevForCurve, p);
 }
 
-/// Chords of a curve given by its parameter.
 template <class Curve>
-bool chords(AcGiWorldDraw* draw, const Curve& curve, double from, double to, int steps,
-            const AcGeVector3d& normal) {
+std::vector<AcGePoint3d> pointsOf(const Curve& curve, double from, double to, int steps) {
     std::vector<AcGePoint3d> points;
     points.reserve(static_cast<std::size_t>(steps) + 1);
     for (int i = 0; i <= steps; ++i) {
         points.push_back(curve.at(from + (to - from) * i / steps));
     }
-    return polyline(draw, points, &normal);
+    return points;
+}
+
+/// Chords of a curve given by its parameter.
+template <class Curve>
+bool chords(AcGiWorldDraw* draw, const Curve& curve, double from, double to, int steps,
+            const AcGeVector3d& normal) {
+    return polyline(draw, pointsOf(curve, from, to, steps), &normal);
+}
+
+/// A round curve under clips: true when it is drawn as what they leave of it, or lies outside.
+/// False when it lies inside: it is drawn as ever. `u` and `v` are its half axes.
+template <class Curve>
+bool isClipped(AcGiWorldDraw* draw, const Curve& curve, double from, double to,
+               const AcGeVector3d& u, const AcGeVector3d& v) {
+    const auto hull = clip::hullOf(draw, curve.center, u, v, curve.normal);
+    const clip::Where where = clip::classify(draw, hull);
+    if (where != clip::Where::kCrosses) {
+        return where == clip::Where::kOutside;
+    }
+    const int steps =
+        arcSteps(std::max(u.length(), v.length()), to - from, deviationAt(draw, curve.center));
+    const std::vector<AcGePoint3d> points = pointsOf(curve, from, to, steps);
+    std::vector<AcGeVector3d> sides;
+    for (const AcGePoint3d& p : points) {
+        // Outward at a right angle to the curve: the gradient of the ellipse's equation.
+        const AcGeVector3d r = p - curve.center;
+        sides.push_back((u * (r.dotProduct(u) / (u.lengthSqrd() * u.lengthSqrd())) +
+                         v * (r.dotProduct(v) / (v.lengthSqrd() * v.lengthSqrd())))
+                            .normal());
+    }
+    return clip::polyline(draw, points, &curve.normal, sides);
+}
+
+bool isClipped(AcGiWorldDraw* draw, const Arc& arc, double sweep) {
+    return isClipped(draw, arc, 0, sweep, arc.start * arc.radius,
+                     arc.normal.crossProduct(arc.start) * arc.radius);
+}
+
+/// A face or a body under clips: true when it lies outside; `cuts` tells that they cut it.
+bool isOutside(AcGiWorldDraw* draw, std::span<const AcGePoint3d> points, bool& cuts) {
+    const clip::Where where = clip::classify(draw, points);
+    cuts = where == clip::Where::kCrosses;
+    return where == clip::Where::kOutside;
 }
 
 } // namespace
@@ -51,6 +94,9 @@ bool polyline(AcGiWorldDraw* draw, std::span<const AcGePoint3d> points,
     if (points.empty()) {
         return false;
     }
+    if (clip::isOn()) {
+        return clip::polyline(draw, points, normal);
+    }
     const auto count = static_cast<std::uint32_t>(points.size());
     if (draw->geometry().polyline(count, points.data(), normal)) {
         return true;
@@ -64,14 +110,20 @@ bool polyline(AcGiWorldDraw* draw, std::span<const AcGePoint3d> points,
 
 bool circle(AcGiWorldDraw* draw, const AcGePoint3d& center, double radius,
             const AcGeVector3d& normal) {
+    const Arc arc{center, radius, normal, normal.perpVector(), kTurn};
+    if (clip::isOn() && isClipped(draw, arc, kTurn)) {
+        return true;
+    }
     if (draw->geometry().circle(center, radius, normal)) {
         return true;
     }
-    const Arc arc{center, radius, normal, normal.perpVector(), kTurn};
     return chords(draw, arc, 0, kTurn, arcSteps(radius, kTurn, deviationAt(draw, center)), normal);
 }
 
 bool circularArc(AcGiWorldDraw* draw, const Arc& arc) {
+    if (clip::isOn() && isClipped(draw, arc, arc.sweep)) {
+        return true;
+    }
     if (draw->geometry().circularArc(arc.center, arc.radius, arc.normal, arc.start * arc.radius,
                                      arc.sweep)) {
         return true;
@@ -81,6 +133,9 @@ bool circularArc(AcGiWorldDraw* draw, const Arc& arc) {
 }
 
 bool ellipticalArc(AcGiWorldDraw* draw, const EllipticalArc& arc) {
+    if (clip::isOn() && isClipped(draw, arc, arc.start, arc.end, arc.major, arc.minor)) {
+        return true;
+    }
     const AcGeVector3d plane_x = arc.normal.perpVector();
     const AcGeVector3d plane_y = arc.normal.crossProduct(plane_x);
     const double tilt = std::atan2(arc.major.dotProduct(plane_y), arc.major.dotProduct(plane_x));
@@ -101,12 +156,19 @@ bool polygon(AcGiWorldDraw* draw, std::span<const AcGePoint3d> points) {
     if (count < 3) {
         return false;
     }
-    if (draw->geometry().polygon(count, points.data())) {
+    bool cuts = false;
+    if (clip::isOn() && isOutside(draw, points, cuts)) {
+        return true;
+    }
+    if (!cuts && draw->geometry().polygon(count, points.data())) {
         return true;
     }
     std::vector<std::int32_t> face{static_cast<std::int32_t>(count)};
     for (std::uint32_t i = 0; i < count; ++i) {
         face.push_back(static_cast<std::int32_t>(i));
+    }
+    if (cuts) {
+        return clip::shell(draw, points, face, nullptr);
     }
     return draw->geometry().shell(count, points.data(), count + 1, face.data());
 }
@@ -116,6 +178,14 @@ bool shell(AcGiWorldDraw* draw, std::span<const AcGePoint3d> points,
            const AcGeVector3d* normals) {
     if (points.size() < 3 || faces.empty()) {
         return false;
+    }
+    if (bool cuts = false; clip::isOn()) {
+        if (isOutside(draw, points, cuts)) {
+            return true;
+        }
+        if (cuts) {
+            return clip::shell(draw, points, faces, normals);
+        }
     }
     AcGiEdgeData edges;
     edges.visibilities = visibilities;
@@ -149,8 +219,12 @@ bool mesh(AcGiWorldDraw* draw, std::uint32_t rows, std::uint32_t columns,
           std::span<const AcGePoint3d> points, const AcGeVector3d* normals) {
     AcGiVertexData vertices;
     vertices.normals = normals;
-    if (draw->geometry().mesh(rows, columns, points.data(), nullptr, nullptr,
-                              normals != nullptr ? &vertices : nullptr, false)) {
+    bool cuts = false;
+    if (clip::isOn() && isOutside(draw, points, cuts)) {
+        return true;
+    }
+    if (!cuts && draw->geometry().mesh(rows, columns, points.data(), nullptr, nullptr,
+                                       normals != nullptr ? &vertices : nullptr, false)) {
         return true;
     }
     std::vector<std::int32_t> faces;

@@ -65,8 +65,8 @@ bool shell(AcGiWorldDraw* draw, std::span<const AcGePoint3d> points,
 /// mesh, or a shell of its cells; vertex `normals` may be null.
 bool mesh(AcGiWorldDraw* draw, std::uint32_t rows, std::uint32_t columns,
           std::span<const AcGePoint3d> points, const AcGeVector3d* normals);
-/// pline, or its segments: lines and arcs where it has no width, quadrilaterals or, with
-/// thickness, a solid body where it has.
+/// pline for one of even width, or else its segments: lines and arcs where it has no width,
+/// quadrilaterals or, with thickness, a solid body where it has.
 bool pline(AcGiWorldDraw* draw, const AcDbPolyline& polyline);
 /// Points along both sides of its segments that have a width, mitred corners included.
 std::vector<AcGePoint3d> plineRails(const AcDbPolyline& polyline);

@@ -1,5 +1,6 @@
 // The parts of a polyline that is refused as a whole: lines, arcs, and bands of varying width.
 #include "host/db/polylines.h"
+#include "host/gi/clip_draw.h"
 #include "host/gi/fallback.h"
 
 #include <algorithm>
@@ -25,6 +26,23 @@ bool isThin(const AcDbPolyline& polyline, std::uint32_t index) {
     double to = 0;
     polyline.getWidthsAt(index, from, to);
     return from == 0 && to == 0;
+}
+
+/// All segments have one width. Receivers of whole polylines look at the first one only.
+bool isEven(const AcDbPolyline& polyline) {
+    double first = 0;
+    double ignored = 0;
+    polyline.getWidthsAt(0, first, ignored);
+    const std::uint32_t segments = polyline.numVerts() - (polyline.isClosed() ? 0 : 1);
+    for (std::uint32_t i = 0; i < segments; ++i) {
+        double from = 0;
+        double to = 0;
+        polyline.getWidthsAt(i, from, to);
+        if (from != first || to != first) {
+            return false;
+        }
+    }
+    return true;
 }
 
 /// Stations of the segment from vertex `index`; none when the segment has no length.
@@ -72,13 +90,16 @@ void mitre(Station& end, Station& start) {
 /// The faces of a band: one quadrilateral a step, or with an extrusion the whole body.
 class BandShell {
 public:
-    void add(const Band& band, const AcGeVector3d& extrusion) {
-        const bool solid = extrusion.lengthSqrd() > 0;
+    /// `thickness` along `normal`; below 0 the body hangs below the band.
+    void add(const Band& band, const AcGeVector3d& normal, double thickness) {
+        const bool solid = thickness != 0;
+        const AcGeVector3d extrusion = normal * std::abs(thickness);
+        const AcGeVector3d sunk = normal * std::min(thickness, 0.0);
         const auto first = static_cast<std::int32_t>(points.size());
         const std::int32_t stride = solid ? 4 : 2;
         for (const Station& station : band) {
-            const AcGePoint3d left = station.rail(1);
-            const AcGePoint3d right = station.rail(-1);
+            const AcGePoint3d left = station.rail(1) + sunk;
+            const AcGePoint3d right = station.rail(-1) + sunk;
             points.insert(points.end(), {left, right});
             if (solid) {
                 points.insert(points.end(), {left + extrusion, right + extrusion});
@@ -149,6 +170,23 @@ std::vector<Band> makeBands(const AcDbPolyline& polyline, const AcGeVector3d& no
     return bands;
 }
 
+clip::Where whereUnderClips(AcGiWorldDraw* draw, const AcDbPolyline& polyline) {
+    AcDbExtents box;
+    if (!clip::isOn() || polyline.getGeomExtents(box) != Acad::eOk) {
+        return clip::Where::kInside;
+    }
+    const AcGePoint3d &a = box.minPoint(), &b = box.maxPoint();
+    const AcGePoint3d corners[] = {a,
+                                   {b.x, a.y, a.z},
+                                   {a.x, b.y, a.z},
+                                   {b.x, b.y, a.z},
+                                   {a.x, a.y, b.z},
+                                   {b.x, a.y, b.z},
+                                   {a.x, b.y, b.z},
+                                   b};
+    return clip::classify(draw, corners);
+}
+
 AcGeVector3d unitNormal(const AcDbPolyline& polyline) {
     return polyline.normal().isZeroLength() ? AcGeVector3d::kZAxis : polyline.normal().normal();
 }
@@ -156,7 +194,12 @@ AcGeVector3d unitNormal(const AcDbPolyline& polyline) {
 } // namespace
 
 bool pline(AcGiWorldDraw* draw, const AcDbPolyline& polyline) {
-    if (polyline.numVerts() == 0 || draw->geometry().pline(polyline)) {
+    const clip::Where where = whereUnderClips(draw, polyline);
+    if (polyline.numVerts() == 0 || where == clip::Where::kOutside) {
+        return true;
+    }
+    // One that is cut is drawn in its parts, each of which is cut.
+    if (where == clip::Where::kInside && isEven(polyline) && draw->geometry().pline(polyline)) {
         return true;
     }
     const AcGeVector3d normal = unitNormal(polyline);
@@ -170,7 +213,7 @@ bool pline(AcGiWorldDraw* draw, const AcDbPolyline& polyline) {
     BandShell body;
     for (const Band& band :
          makeBands(polyline, normal, draw->deviation(kAcGiMaxDevForCurve, start))) {
-        body.add(band, normal * polyline.thickness());
+        body.add(band, normal, polyline.thickness());
     }
     if (body.faces.size() == 5) { // one quadrilateral
         std::vector<AcGePoint3d> corners;

@@ -297,7 +297,9 @@ std::vector<RecordedCall> Recorder::callsOf(Primitive primitive) const {
 AcDbExtents Recorder::extents() const {
     AcDbExtents box;
     for (const RecordedCall& call : calls) {
-        if (!call.accepted) {
+        const bool endless =
+            call.primitive == Primitive::kXline || call.primitive == Primitive::kRay;
+        if (!call.accepted || endless) {
             continue;
         }
         const bool round = call.primitive == Primitive::kCircle ||

@@ -76,7 +76,7 @@ public:
     void record(AcGiDrawable* drawable);
     std::vector<RecordedCall> callsOf(Primitive primitive) const;
     /// The box of all points of accepted calls, arcs and circles by points along them, thickness
-    /// included.
+    /// included, endless lines left out.
     AcDbExtents extents() const;
 
     AcGiRegenType regenType() const override { return kAcGiRenderCommand; }

@@ -236,17 +236,21 @@ TEST(Members, HatchLoopsOfAllKinds) {
     EXPECT_NEAR(box.minPoint().y, -1, 0.01) << "the half circles of the bulges";
     EXPECT_NEAR(box.maxPoint().y, 1, 0.01);
     EXPECT_EQ(box.maxPoint().z, 2);
-    EXPECT_NEAR(hatch->loops()[1].points.back().y, 1, 1e-12) << "the arc ends at 90 degrees";
+    std::vector<AcDbHatchRing> rings;
+    std::size_t budget = 1000;
+    hatch->loops()[1].addRings(rings, 0.01, budget);
+    ASSERT_EQ(rings.size(), 1u);
+    EXPECT_NEAR(rings[0].back().y, 1, 1e-12) << "the arc ends at 90 degrees";
 }
 
 TEST(Members, UnknownKindsKeepEverything) {
     const std::string source =
-        with_entities("  0\n3DSOLID\n  5\nA\n  8\nWalls\n  1\nno such data\n1070\n7\n");
+        with_entities("  0\nACME_THING\n  5\nA\n  8\nWalls\n  1\nno such data\n1070\n7\n");
     const auto db = load(source);
-    const auto* solid = first_entity<AcDbUnknownEntity>(*db);
-    EXPECT_EQ(solid->dxfName(), "3DSOLID");
-    EXPECT_STREQ(solid->notRenderedReason(), "solid");
-    EXPECT_EQ(solid->layer(), "Walls");
+    const auto* thing = first_entity<AcDbUnknownEntity>(*db);
+    EXPECT_EQ(thing->dxfName(), "ACME_THING");
+    EXPECT_STREQ(thing->notRenderedReason(), "unknown-kind");
+    EXPECT_EQ(thing->layer(), "Walls");
     EXPECT_EQ(save(*db), source);
 }
 

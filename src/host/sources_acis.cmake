@@ -1,0 +1,9 @@
+set(HOST_ACIS_SOURCES
+  acis/analytic.cpp
+  acis/binary_reader.cpp
+  acis/body_builder.cpp
+  acis/body_parts.cpp
+  acis/geometry.cpp
+  acis/part.cpp
+  acis/spline.cpp
+  acis/text_reader.cpp)

@@ -1,0 +1,18 @@
+set(HOST_BREP_SOURCES
+  ge/delaunay.cpp
+  ge/triangulate.cpp
+  brep/bspline.cpp
+  brep/chart.cpp
+  brep/curves.cpp
+  brep/domain.cpp
+  brep/edges.cpp
+  brep/extremes.cpp
+  brep/face.cpp
+  brep/inner.cpp
+  brep/loops.cpp
+  brep/measure.cpp
+  brep/mesher.cpp
+  brep/repair.cpp
+  brep/seam.cpp
+  brep/spacing.cpp
+  brep/surfaces.cpp)
