@@ -175,6 +175,7 @@ INSTANTIATE_TEST_SUITE_P(
     All, Samples,
     testing::Values(Case{"courtyard.dxf", build_courtyard, "Courtyard", 15000, 200000},
                     Case{"room.dxf", build_room, "Room", 15000, 150000},
+                    Case{"solids.dxf", build_solids, "StillLife", 50000, 600000},
                     Case{"tower.dxf", build_tower, "Tower", 200000, 1000000}),
     [](const testing::TestParamInfo<Case>& info) { return std::string(info.param.view); });
 

@@ -13,9 +13,8 @@ struct Sample {
 };
 
 constexpr Sample kSamples[] = {
-    {"courtyard.dxf", make_samples::build_courtyard},
-    {"room.dxf", make_samples::build_room},
-    {"tower.dxf", make_samples::build_tower},
+    {"courtyard.dxf", make_samples::build_courtyard},   {"room.dxf", make_samples::build_room},
+    {"tower.dxf", make_samples::build_tower},           {"solids.dxf", make_samples::build_solids},
     {"everything.dxf", make_samples::build_everything},
 };
 

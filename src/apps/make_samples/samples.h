@@ -1,4 +1,4 @@
-// The three sample drawings, and the parts that they share.
+// The sample drawings, and the parts that they share.
 #pragma once
 
 #include "apps/make_samples/drawing.h"
@@ -8,6 +8,7 @@ namespace make_samples {
 void build_courtyard(Drawing& drawing); ///< a house round a courtyard
 void build_room(Drawing& drawing);      ///< a living room
 void build_tower(Drawing& drawing);     ///< a tower among city blocks
+void build_solids(Drawing& drawing);    ///< a still life of solid bodies
 
 // The courtyard's parts.
 void draw_house(Drawing& drawing);
