@@ -264,8 +264,16 @@ SurfacePoint Chart::at(const Param& p) const {
     return point;
 }
 
-AcGeVector3d Chart::normal(const Param& p) const {
-    const SurfacePoint here = at(p);
+bool Chart::even() const {
+    if (swapped_) {
+        return std::holds_alternative<Revolution>(surface());
+    }
+    const auto* cone = std::get_if<Cone>(&surface());
+    return (cone != nullptr && cone->ratio == 1) || std::holds_alternative<Sphere>(surface()) ||
+           std::holds_alternative<Torus>(surface());
+}
+
+AcGeVector3d Chart::normal(const Param& p, const SurfacePoint& here) const {
     AcGeVector3d n = here.u.crossProduct(here.v);
     if (n.length() > 1e-9 * (here.u.lengthSqrd() + here.v.lengthSqrd())) {
         return n / n.length();

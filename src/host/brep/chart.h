@@ -32,7 +32,9 @@ public:
     /// A point with derivatives: u stands for s, v for t.
     SurfacePoint at(const Param& p) const;
     /// Unit; along the derivatives by s and t, crossed. At a pole that of a point next to it.
-    AcGeVector3d normal(const Param& p) const;
+    AcGeVector3d normal(const Param& p) const { return normal(p, at(p)); }
+    /// The same where the point there is known already.
+    AcGeVector3d normal(const Param& p, const SurfacePoint& here) const;
     /// The parameters of the closest point. `near`: where to begin, and which turn to choose.
     Param project(const AcGePoint3d& point, const Param* near) const;
     /// The same point as `p`, within half a period of `near`.
@@ -46,6 +48,8 @@ public:
     bool flat() const { return flat_; }
     /// Straight in the direction of t, with one normal along it.
     bool straight() const { return straight_; }
+    /// Turned about an axis with s as the angle, so that nothing changes along s but the direction.
+    bool even() const;
     /// s and t stand for the surface's v and u, so that the normal is turned about.
     bool swapped() const { return swapped_; }
     double period_s() const { return period_s_; }

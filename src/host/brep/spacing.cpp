@@ -52,14 +52,15 @@ Spacing::Spacing(const Chart& chart, const Range& s, const Range& t, const Finen
         chart.period_t() > 0 ? chart.period_t() / 6 : std::max(t.length(), 1e-300);
     // Where the surface bends both ways each takes half of the chord.
     const double chord = chart.straight() ? 8 * fineness.chord : 4 * fineness.chord;
+    const std::size_t columns = chart.even() ? 2 : kColumns;
     std::vector<Steps> steps(kRows, {most_s, most_t});
     std::vector<AcGeVector3d> before;
     for (std::size_t i = 0; i < kRows && !chart.flat(); ++i) {
-        std::vector<AcGeVector3d> normals(kColumns);
-        for (std::size_t k = 0; k < kColumns; ++k) {
+        std::vector<AcGeVector3d> normals(columns);
+        for (std::size_t k = 0; k < columns; ++k) {
             const Param p{s.low + ds * static_cast<double>(k), t.low + dt * static_cast<double>(i)};
             const SurfacePoint at = chart.at(p);
-            const AcGeVector3d n = normals[k] = chart.normal(p);
+            const AcGeVector3d n = normals[k] = chart.normal(p, at);
             const double turn_s = k > 0 ? angle_between(normals[k - 1], n) : 0;
             const double by_s =
                 step(std::abs(n.dotProduct(at.uu)), turn_s, ds, most_s, chord, fineness.angle);
