@@ -199,12 +199,6 @@ Triple Similarity::direction(const Triple& v) const { return times(turn, v); }
 
 Triple Similarity::point(const Triple& p) const { return times(turn, p) * scale + shift; }
 
-bool Similarity::is_mirror() const {
-    const Triple x{turn[0][0], turn[0][1], turn[0][2]}, y{turn[1][0], turn[1][1], turn[1][2]},
-        z{turn[2][0], turn[2][1], turn[2][2]};
-    return dot(cross(x, y), z) < 0;
-}
-
 bool Similarity::operator==(const Similarity& other) const {
     return turn == other.turn && scale == other.scale && shift.x == other.shift.x &&
            shift.y == other.shift.y && shift.z == other.shift.z;

@@ -20,7 +20,6 @@ struct Similarity {
 
     Triple direction(const Triple& v) const; ///< turned only
     Triple point(const Triple& p) const;
-    bool is_mirror() const;
     bool is_identity() const;
     bool operator==(const Similarity&) const;
 };

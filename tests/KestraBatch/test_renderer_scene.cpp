@@ -88,6 +88,25 @@ TEST(RendererScene, FarFromTheOriginShapeKeepsBelowAMillimetre) {
     EXPECT_NEAR(p[2].y - p[0].y, 0.1f, 1e-4f);
 }
 
+TEST(RendererScene, OfFacesInOnePlaneTheLookThatComesLaterIsSeen) {
+    // Two looks with the very same triangle, and a larger one of each: as on a screen, the later
+    // look covers the earlier one, whichever triangle it is.
+    const StreamModel model =
+        model_of(triangle(1).text() + triangle(3).text() + triangle(1).text() + triangle(2).text());
+    SceneDescription description = description_of(model);
+    description.mesh_surface = {0, 0, 1, 1};
+    SceneStatistics statistics;
+    const auto scene = build(model, description, statistics);
+    EXPECT_EQ(statistics.coincident, 1u);
+    ASSERT_EQ(scene.meshes.size(), 2u);
+    const bool first_is_earlier = scene.meshes[0].material == 0;
+    const renderer::Mesh& earlier = scene.meshes[first_is_earlier ? 0 : 1];
+    const renderer::Mesh& later = scene.meshes[first_is_earlier ? 1 : 0];
+    EXPECT_EQ(earlier.triangles.size(), 1u) << "the triangle that both have is the later look's";
+    EXPECT_EQ(later.triangles.size(), 2u);
+    EXPECT_LT(later.order, earlier.order);
+}
+
 TEST(RendererScene, WhatCannotBeSeenIsDroppedAndCounted) {
     MeshText mesh = triangle();
     mesh.vertex(2, 0, 0).vertex(1, 0, 0).face(0, 1, 1); // two equal corners

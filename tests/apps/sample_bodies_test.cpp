@@ -41,6 +41,12 @@ TEST(SampleBodies, KeepTheirMeasuresThroughTheirText) {
         {"plate with holes",
          extruded({{0, 0}, {10, 0}, {10, 6}, {0, 6}}, 1, 3, {{2, 2, 1}, {7, 3, 1.5}}),
          2 * (60 - kPi * (1 + 2.25))},
+        {"shaft with a collar",
+         revolved({{0, 0}, {1, 0}, {1, 2}, {2, 2}, {2, 3}, {1, 3}, {1, 6}, {0, 6}}), kPi * (6 + 3)},
+        {"two bars joined by a rounded corner",
+         extruded({{0, 0}, {4, 0}, {4, 1}, {2, 1, -std::tan(kPi / 8)}, {1, 2}, {1, 4}, {0, 4}}, 0,
+                  2),
+         2 * (7 + 1 - kPi / 4)},
         {"slot", extruded({{0, 0}, {4, 0, 1}, {4, 2}, {0, 2, 1}}, 0, 1), 8 + kPi},
     };
     for (const Row& row : rows) {

@@ -35,7 +35,6 @@ struct Token {
     bool isNumber() const {
         return kind == Kind::kNumber || kind == Kind::kInt || kind == Kind::kReal;
     }
-    bool isRef() const { return kind == Kind::kRefText || kind == Kind::kRefBinary; }
 };
 
 /// A record: "plane-surface $-1 ... #". Its kind is given from the most special name to the most

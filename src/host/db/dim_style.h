@@ -16,7 +16,6 @@ class AcDbDimStyleTableRecord : public AcDbSymbolTableRecord {
     ACRX_DECLARE_MEMBERS(AcDbDimStyleTableRecord)
 public:
     const AcDbDimVars& dimVars() const { return vars_; }
-    void setDimVars(const AcDbDimVars& vars) { vars_ = vars; }
     void dxfIn(const dxf::ObjectTags& tags) override;
     void dxfOut(dxf::TagWriter& writer) const override;
 

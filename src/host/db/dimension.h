@@ -9,7 +9,6 @@ public:
     const std::string& dimBlockName() const { return block_name_; }
     /// The block of the picture; null when it is not in the drawing.
     AcDbObjectId dimBlockId() const;
-    void setDimBlockName(std::string name) { block_name_ = std::move(name); }
     const std::string& dimensionStyleName() const { return style_; }
     const std::string& dimensionText() const { return text_; } ///< empty for the measured value
     AcGeVector3d normal() const { return normal_; }
