@@ -7,24 +7,16 @@
 #include "renderer/tone.h"
 #include "tests/renderer/demo_scene.h"
 #include "tests/renderer/picture_files.h"
+#include "tests/renderer/rendered.h"
 #include "tests/test_folder.h"
 
 #include <gtest/gtest.h>
-
-#include <cstring>
 
 using namespace renderer;
 
 namespace {
 
 using Kind = Light::Kind;
-
-Material matt(float reflectance) {
-    Material m;
-    m.base_color = {reflectance, reflectance, reflectance};
-    m.specular = 0;
-    return m;
-}
 
 /// Ground at height 0, and nothing that shines.
 Scene dark_ground() {
@@ -107,24 +99,6 @@ RenderSettings small(int passes = 4, int width = 24, int height = 16) {
     s.passes = passes;
     s.threads = 2;
     return s;
-}
-
-Film render(const Scene& scene, const RenderSettings& settings) {
-    Film film;
-    EXPECT_EQ(Renderer(scene).render(settings, film), Outcome::finished);
-    return film;
-}
-
-Rgb mean_radiance(const Film& film) {
-    Rgb sum{0, 0, 0};
-    for (const Rgb c : film.radiance)
-        sum += c / float(film.radiance.size());
-    return sum;
-}
-
-bool same(const Film& a, const Film& b) {
-    return a.radiance.size() == b.radiance.size() &&
-           std::memcmp(a.radiance.data(), b.radiance.data(), a.radiance.size() * sizeof(Rgb)) == 0;
 }
 
 /// A closed room of 6 by 4 by 3 metres with a box in it, seen from inside.

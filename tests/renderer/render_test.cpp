@@ -5,23 +5,16 @@
 #include "renderer/sampling.h"
 #include "renderer/sky.h"
 #include "tests/renderer/demo_scene.h"
+#include "tests/renderer/rendered.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <chrono>
-#include <cstring>
 
 using namespace renderer;
 
 namespace {
-
-Material matt(float reflectance) {
-    Material m;
-    m.base_color = {reflectance, reflectance, reflectance};
-    m.specular = 0;
-    return m;
-}
 
 RenderSettings small(int passes = 4, int width = 16, int height = 16) {
     RenderSettings s;
@@ -30,30 +23,6 @@ RenderSettings small(int passes = 4, int width = 16, int height = 16) {
     s.passes = passes;
     s.threads = 2;
     return s;
-}
-
-Rgb mean_radiance(const Film& film) {
-    Rgb sum{0, 0, 0};
-    for (const Rgb c : film.radiance)
-        sum += c / float(film.radiance.size());
-    return sum;
-}
-
-Film render(const Scene& scene, const RenderSettings& settings) {
-    Film film;
-    EXPECT_EQ(Renderer(scene).render(settings, film), Outcome::finished);
-    return film;
-}
-
-template <typename T>
-bool same_bytes(const std::vector<T>& a, const std::vector<T>& b) {
-    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(T)) == 0;
-}
-
-bool same(const Film& a, const Film& b) {
-    return a.passes == b.passes && same_bytes(a.radiance, b.radiance) &&
-           same_bytes(a.alpha, b.alpha) && same_bytes(a.albedo, b.albedo) &&
-           same_bytes(a.normal, b.normal) && same_bytes(a.depth, b.depth);
 }
 
 /// A camera that sees nothing but the ground below it.
