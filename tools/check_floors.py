@@ -15,7 +15,7 @@ FORBIDDEN = {("renderer", "host"), ("toolkit", "host"), ("omb", "host"), ("omb",
              ("Kestra_Qor", "host"), ("KestraBatch", "host"), ("omb_qorvane", "KestraBatch"),
              ("omb_qorvane", "renderer")}
 # The only folders that may know the widget library, whose headers begin with Q and a capital.
-WIDGET_FOLDERS = ("KestraBatch/window/", "platform/qt/")
+WIDGET_FOLDERS = ("KestraBatch/window/", "platform/window/qt/")
 WIDGET_INCLUDE = re.compile(r'^\s*#\s*include\s+<(?:Qt\w*/)?Q[A-Za-z]\w*>')
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"')
 EXITS = re.compile(r'\b(?:std::)?(?:exit|abort|_exit|quick_exit)\s*\(')
