@@ -87,6 +87,35 @@ std::string take_global(Options& options, const std::string& value) {
     return std::move(checked.wrong);
 }
 
+/// As take_global, but of any name that says its kind: dialogs may make settings of their own.
+std::string take_set(Options& options, const std::string& value) {
+    const std::size_t equals = value.find('=');
+    if (equals == std::string::npos || equals == 0) {
+        return "a setting is NAME=VALUE";
+    }
+    const std::string name = value.substr(0, equals);
+    if (std::string_view("bisrcp").find(name[0]) == std::string_view::npos) {
+        return "a setting's name begins with its kind: b, i, r, s, c or p";
+    }
+    if (name[0] == 's') { // a text may have lines, as lists of dialogs do
+        options.settings.emplace_back(name, value.substr(equals + 1));
+        return {};
+    }
+    CheckedText checked =
+        check_setting_text(name, std::string_view(value).substr(equals + 1), TextForm::kTyped);
+    options.settings.emplace_back(name, std::move(checked.text));
+    return std::move(checked.wrong);
+}
+
+std::string take_theme(Options& options, const std::string& value) {
+    options.theme = value;
+    return value == "light" || value == "dark" ? "" : "themes are light and dark";
+}
+
+std::string take_scale(Options& options, const std::string& value) {
+    return parse_number(value, options.scale, 1, 2) ? "" : "scales are 1 and 2";
+}
+
 template <std::string Options::*member>
 std::string take_text(Options& options, const std::string& value) {
     options.*member = value;
@@ -121,6 +150,8 @@ constexpr VerbRow kVerbs[] = {
     {kInspect, "inspect", "DRAWING", "tell what a drawing holds and what would be rendered", 1, 1},
     {kConvert, "convert", "IN OUT", "read a drawing and write it again, losing nothing", 2, 2},
     {kSettings, "settings", "VERB ...", "show, change, save and load settings", 1, kNoLimit},
+    {kDialog, "dialog", "VERB ...", "check, lay out and show dialogs, for who writes them", 1,
+     kNoLimit},
 };
 
 constexpr SubVerbRow kSubVerbs[] = {
@@ -136,6 +167,16 @@ constexpr SubVerbRow kSubVerbs[] = {
     {kSettings, "import", "FILE.dfl", "take the settings of a defaults file", 0, 1, "--user"},
     {kSettings, "diff", "", "only what differs from the factory values", 0, 0,
      "--json --drawing --defaults"},
+    {kDialog, "tokens", "FILE", "the words of a dialog file, with their lines", 1, 1, "--json"},
+    {kDialog, "check", "FILE",
+     "the mistakes of a dialog file, with their places; exit code 1 when there are some", 1, 1,
+     "--json --dialog"},
+    {kDialog, "tree", "NAME",
+     "the controls of a dialog with their places, in the units of dialogs, at letters 6 by 13 "
+     "pixels",
+     1, 1, "--json --file --set"},
+    {kDialog, "show", "NAME", "open a dialog; tells OK or Cancel, and changes no setting", 1, 1,
+     "--file --script --log --grab --set --theme --scale"},
 };
 
 constexpr std::array kFlags{
@@ -166,9 +207,24 @@ constexpr std::array kFlags{
             take_text<&Options::batch_folder>, ""},
     FlagRow{"--save", "", "store the settings in the drawing's file", kRender,
             take_switch<&Options::save>, ""},
-    FlagRow{"--script", "FILE", "command lines to run (default standard input)", kRun,
-            take_text<&Options::script>, ""},
-    FlagRow{"--json", "", "answer as JSON", kInspect | kSettings, take_switch<&Options::json>, ""},
+    FlagRow{"--script", "FILE",
+            "run: command lines (default standard input); dialog: what the user does, a line each",
+            kRun | kDialog, take_text<&Options::script>, ""},
+    FlagRow{"--json", "", "answer as JSON", kInspect | kSettings | kDialog,
+            take_switch<&Options::json>, ""},
+    FlagRow{"--file", "FILE", "the file that the dialog stands in (default: found by its name)",
+            kDialog, take_text<&Options::dialog_file>, ""},
+    FlagRow{"--dialog", "NAME", "only this dialog of the file", kDialog,
+            take_text<&Options::dialog_name>, ""},
+    FlagRow{"--set", "NAME=VALUE", "a setting as the dialog finds it", kDialog, take_set, ""},
+    FlagRow{"--log", "", "print what happens, in its order", kDialog, take_switch<&Options::log>,
+            ""},
+    FlagRow{"--grab", "FILE.png", "a picture of the dialog as it opens; no display is needed",
+            kDialog, take_text<&Options::grab>, ""},
+    FlagRow{"--theme", "THEME", "colours of the dialog: light or dark (default the desktop's)",
+            kDialog, take_theme, "light dark"},
+    FlagRow{"--scale", "N", "device pixels to a pixel of the picture: 1 or 2 (default 1)", kDialog,
+            take_scale, "1 2"},
     FlagRow{"--drawing", "FILE", "the values stored in this drawing win over all others", kSettings,
             take_text<&Options::drawing>, ""},
     FlagRow{"--defaults", "FILE.dfl", "the values of this defaults file win over the user's own",

@@ -18,7 +18,8 @@ enum Verb : std::uint8_t {
     kInspect = 8,
     kConvert = 16,
     kSettings = 32,
-    kAllVerbs = 63
+    kDialog = 64,
+    kAllVerbs = 127
 };
 
 /// Any number of operands.
@@ -57,14 +58,21 @@ struct Options {
     std::string facets; ///< what chords go by: drawing (also when empty) or camera
     std::string batch_folder;
     std::string script;
-    std::string drawing;  ///< settings: a drawing whose stored settings count
-    std::string defaults; ///< settings: a defaults file whose values count
+    std::string drawing;     ///< settings: a drawing whose stored settings count
+    std::string defaults;    ///< settings: a defaults file whose values count
+    std::string dialog_file; ///< dialog: where it is taken from; empty: found by its name
+    std::string dialog_name; ///< dialog check: only this one
+    std::string grab;        ///< dialog show: a picture of the window
+    std::string theme;       ///< dialog show: light, dark, or empty for the desktop's
+    int scale = 1;           ///< dialog show: device pixels to a pixel in the picture
+    std::vector<std::pair<std::string, std::string>> settings; ///< --set NAME=VALUE, in order
     std::string log_file;
     std::string progress = "auto"; ///< auto, tty, ndjson, none
     int threads = 0;
     int verbosity = 0;
     bool save = false, json = false, quiet = false, force = false, ascii = false, binary = false;
     bool user = false; ///< settings: the user's own defaults file
+    bool log = false;  ///< dialog show: the order of events
 };
 
 struct FlagRow {

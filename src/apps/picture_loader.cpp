@@ -3,6 +3,7 @@
 
 #include "host/db/image.h"
 #include "omb/base/trace.h"
+#include "omb/dialog/dialog_image.h"
 #include "platform/files.h"
 #include "platform/module.h"
 
@@ -37,6 +38,22 @@ void lend_picture_loader() {
         const Reader read = reader();
         return read != nullptr && read(path.c_str(), &data);
     });
+    lend_dialog_pictures();
+}
+
+void lend_dialog_pictures() {
+    set_dialog_picture_reader(
+        [](const std::string& path, platform::WindowPicture& picture, std::string& error) {
+            const Reader read = reader();
+            AcDbImageData data;
+            if (read == nullptr || !read(path.c_str(), &data) || !data.isValid()) {
+                error = read == nullptr ? "the reader of pictures is not there" : "it is damaged";
+                return false;
+            }
+            picture = {static_cast<int>(data.width), static_cast<int>(data.height),
+                       std::move(data.rgba)};
+            return true;
+        });
 }
 
 } // namespace apps

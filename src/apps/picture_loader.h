@@ -1,4 +1,4 @@
-// Lends the host a reader of picture files.
+// Lends the host and the dialogs a reader of picture files.
 #pragma once
 
 namespace apps {
@@ -7,5 +7,7 @@ namespace apps {
 /// is loaded when the first one is asked for. Without the module no picture is read, which is
 /// traced.
 void lend_picture_loader();
+/// The same for pictures of dialogs that the dialog engine does not read itself.
+void lend_dialog_pictures();
 
 } // namespace apps

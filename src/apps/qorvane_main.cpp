@@ -29,6 +29,7 @@ constexpr VerbFunction kFunctions[] = {
     {apps::kRender, apps::run_render},   {apps::kExtract, apps::run_extract},
     {apps::kRun, apps::run_script},      {apps::kInspect, apps::run_inspect},
     {apps::kConvert, apps::run_convert}, {apps::kSettings, apps::run_settings},
+    {apps::kDialog, apps::run_dialog},
 };
 
 int run(const apps::Options& options) {

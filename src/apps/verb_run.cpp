@@ -2,6 +2,7 @@
 #include "apps/exit_codes.h"
 #include "apps/host_session.h"
 #include "apps/verbs.h"
+#include "apps/window_choice.h"
 #include "omb/base/profile.h"
 
 #include <filesystem>
@@ -54,6 +55,10 @@ int run_script(const Options& options) {
     TerminalPort port(&script, !options.quiet);
     AcEdInputPort* const old_port = acedSetInputPort(&port);
     open_user_profile(profile_use::read_and_write); // a session of the host, as from a window
+    const bool may_ask = !options.quiet && options.progress != "none";
+    const WindowChoice windows(make_windows_when_needed(may_ask), may_ask && has_display()
+                                                                      ? Boxes::in_windows
+                                                                      : Boxes::on_the_terminal);
     HostSession session(options.operands.front());
     session.load_add_on();
     acedRegCmds().addCommand(command_group, "_SAVEAS", "SAVEAS", ACRX_CMD_MODAL, &save_as);

@@ -11,5 +11,6 @@ int run_script(const Options& options);
 int run_inspect(const Options& options);
 int run_convert(const Options& options);
 int run_settings(const Options& options);
+int run_dialog(const Options& options);
 
 } // namespace apps

@@ -1,6 +1,7 @@
 // Start and stop of the module, and its first use.
 #include "omb_qorvane/OMB_Qorvane.h"
 
+#include "Kestra_Qor/option_commands.h"
 #include "omb/base/errors.h"
 #include "omb/base/trace.h"
 #include "omb/globals/catalogue.h"
@@ -8,6 +9,7 @@
 #include "omb/globals/trace_values.h"
 #include "omb_qorvane/batch_calls.h"
 #include "omb_qorvane/command_table.h"
+#include "omb_qorvane/dcl_dialogs.h"
 #include "omb_qorvane/sample_classes.h"
 #include "omb_qorvane/sample_commands.h"
 #include "omb_qorvane/ts_ac_world_draw.h"
@@ -88,12 +90,15 @@ void start_omb_qorvane(const std::string& module_folder) {
     add_commands(command_group, command_table());
     add_commands(sample_group, sample_commands());
     add_reactors();
+    add_option_commands();
+    register_dcl_dialogs();
     theApp().refresh_document();
 }
 
 void stop_omb_qorvane() {
     acedRegCmds().removeGroup(command_group);
     acedRegCmds().removeGroup(sample_group);
+    remove_option_commands();
     remove_reactors();
     services.reset();
     MyClass::rxRemove();

@@ -4,11 +4,11 @@
 
 #include "Kestra_Qor/tsdoc.h"
 #include "omb/base/folders.h"
-#include "omb/base/form_dialog.h"
 #include "omb/base/message_box.h"
 #include "omb/base/text.h"
 #include "omb/base/trace.h"
 #include "omb/globals/globals.h"
+#include "omb_qorvane/dcl_dialogs.h"
 #include "omb_qorvane/the_app.h"
 
 #include <fmt/format.h>
@@ -88,14 +88,9 @@ struct cl_synch_dialog {
     std::string settings_file, drawing;
 
     bool show() const {
-        cl_form_dialog form;
-        form.title = "Qorvane";
-        form.text = fmt::format(
-            "Use this button to import changed rendering settings from the Batch Render Window "
-            "for this drawing.\n\nSetting file path: {}\n\nCurrent Drawing: {}\n\n"
-            "Click OK to import the changed settings.",
-            settings_file, drawing);
-        return do_form_dialog(form);
+        set_global_string("sks_import_settings_file", settings_file, SAVE_NONE);
+        set_global_string("sks_import_drawing", drawing, SAVE_NONE);
+        return run_dcl_dialog("kestra_import_settings") == dialog_answer::confirmed;
     }
 };
 

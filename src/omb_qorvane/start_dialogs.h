@@ -1,4 +1,4 @@
-// The dialogs of the starts that are forms of our own.
+// The dialogs of the starts. Without anybody to ask, the safe answer counts.
 #pragma once
 
 /// The Asuni start's dialog: size of the picture and place of the sun.
@@ -6,7 +6,7 @@ struct cl_asuni_start_dlg {
     int width = 0, height = 0;
     double altitude = 0, azimuth = 0; ///< degrees
 
-    /// Shows it and takes the values over; false when the user cancels.
+    /// Shows it and takes the values over, each within its limits; false when the user cancels.
     bool show();
 };
 

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <set>
 
 using namespace apps;
@@ -88,7 +89,13 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{{"settings"}, "usage: qorvane settings VERB"},
         WrongUse{{"settings", "lits"}, "did you mean 'list'?"},
         WrongUse{{"settings", "set", "iks_resx"}, "settings set NAME VALUE"},
-        WrongUse{{"settings", "list", "--user"}, "settings list has no flag --user"}));
+        WrongUse{{"settings", "list", "--user"}, "settings list has no flag --user"},
+        WrongUse{{"dialog", "chekc", "a.dcl"}, "did you mean 'check'?"},
+        WrongUse{{"dialog", "tree", "a_b", "--grab", "x.png"}, "dialog tree has no flag --grab"},
+        WrongUse{{"dialog", "show", "a_b", "--scale", "3"}, "scales are 1 and 2"},
+        WrongUse{{"dialog", "show", "a_b", "--theme", "pink"}, "themes are"},
+        WrongUse{{"dialog", "show", "a_b", "--set", "iown=wide"}, "takes a whole number"},
+        WrongUse{{"dialog", "show", "a_b", "--set", "xown=1"}, "begins with its kind"}));
 
 TEST(Options, HelpManualAndCompletionNameEveryFlag) {
     const std::string help = help_text();
@@ -106,7 +113,9 @@ TEST(Options, HelpManualAndCompletionNameEveryFlag) {
     }
     for (const SubVerbRow& row : sub_verb_rows()) {
         EXPECT_NE(help.find(std::string("\n  ") + row.name + " "), std::string::npos) << row.name;
-        EXPECT_NE(manual_page().find(std::string(".B settings ") + row.name), std::string::npos);
+        const auto verb = std::ranges::find(verb_rows(), row.verb, &VerbRow::verb);
+        EXPECT_NE(manual_page().find(std::string(".B ") + verb->name + " " + row.name),
+                  std::string::npos);
         EXPECT_NE(completion.find(std::string(row.name) + " "), std::string::npos);
     }
     EXPECT_EQ(parse({"--help"}).message, help);

@@ -1,7 +1,6 @@
 // `qorvane settings` as a user runs it, with a settings folder of its own for each test.
-#include "platform/process.h"
+#include "tests/apps/program_fixture.h"
 
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -18,11 +17,6 @@ namespace fs = std::filesystem;
 using nlohmann::json;
 
 namespace {
-
-struct Outcome {
-    int code = -1;
-    std::string out, err;
-};
 
 /// A drawing whose own dictionary holds some settings.
 std::string drawing_with_settings() {
@@ -48,47 +42,16 @@ std::string drawing_with_settings() {
     return text + bodies + "0\nENDSEC\n0\nEOF\n";
 }
 
-class Settings : public ::testing::Test {
+class Settings : public ProgramTest {
 protected:
-    void SetUp() override {
-        std::string pattern = (fs::temp_directory_path() / "qorvane_settings_XXXXXX").string();
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        folder_ = pattern;
-        setenv("QORVANE_HOME", (folder_ / "home").c_str(), 1);
-    }
     void TearDown() override {
         unsetenv("LC_ALL");
         unsetenv("LOCPATH");
         std::error_code ignored;
         fs::permissions(settings_folder(), fs::perms::owner_all, ignored);
-        fs::remove_all(folder_, ignored);
+        ProgramTest::TearDown();
     }
     fs::path settings_folder() const { return folder_ / "home" / "config" / "qorvane"; }
-    fs::path write(const fs::path& name, const std::string& text) {
-        fs::create_directories((folder_ / name).parent_path());
-        std::ofstream(folder_ / name, std::ios::binary) << text;
-        return folder_ / name;
-    }
-    static std::string read(const fs::path& path) {
-        std::ifstream in(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
-    Outcome run_program(std::vector<std::string> arguments) {
-        const fs::path program = fs::path(QORVANE_BUILD_DIR) / "omb_bin" / "qorvane";
-        std::vector<std::string> words{"-c", R"(exec "$0" "$@" > out.txt 2> err.txt)",
-                                       program.string()};
-        words.insert(words.end(), arguments.begin(), arguments.end());
-        std::string error;
-        const auto started = platform::start_process("/bin/sh", words, folder_, error);
-        EXPECT_TRUE(started) << error;
-        Outcome outcome;
-        if (started) {
-            outcome.code = platform::wait_process(started->process_id, 60).value_or(-1);
-        }
-        outcome.out = read(folder_ / "out.txt");
-        outcome.err = read(folder_ / "err.txt");
-        return outcome;
-    }
     Outcome run(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), "settings");
         return run_program(std::move(arguments));
@@ -116,7 +79,6 @@ protected:
         }
         return files;
     }
-    fs::path folder_;
 };
 
 // ---- list and get ----

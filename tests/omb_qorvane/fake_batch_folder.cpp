@@ -1,5 +1,9 @@
 #include "fake_batch_folder.h"
 
+#include "omb/base/application_files.h"
+#include "omb/dialog/dynamic_dialog.h"
+
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
@@ -21,11 +25,6 @@ int ScriptedWindow::message_box(const std::string& text, const std::string& titl
 
 bool ScriptedWindow::error_dialog(const cl_error_dialog&) { return false; }
 
-bool ScriptedWindow::form_dialog(cl_form_dialog& dialog) {
-    forms.push_back(dialog);
-    return fill && fill(dialog);
-}
-
 void WithFakeBatch::SetUp() {
     ExtractionTest::SetUp();
     namespace fs = std::filesystem;
@@ -39,6 +38,8 @@ void WithFakeBatch::SetUp() {
     auto scripted = std::make_unique<ScriptedWindow>();
     window = scripted.get();
     set_window_port(std::move(scripted));
+    set_window_system(&dialogs);
+    set_support_folder(QORVANE_SOURCE_DIR "/support");
     acedSetMainWindow(4711, "Drawing Office");
     first_use();
 }
@@ -47,6 +48,9 @@ void WithFakeBatch::TearDown() {
     while (waitpid(-1, nullptr, 0) > 0) {
         // programs that still write their log
     }
+    dialog_table().clear();
+    set_window_system(nullptr);
+    set_support_folder({});
     acedSetMainWindow(0, {});
     acedSetUsrBrk(false);
     unsetenv("FAKE_BATCH");
@@ -70,6 +74,11 @@ std::vector<std::string> WithFakeBatch::batch_log(std::size_t lines) const {
         std::this_thread::sleep_for(std::chrono::milliseconds(25));
     }
     return log;
+}
+
+std::size_t WithFakeBatch::times_shown(const std::string& title) const {
+    return static_cast<std::size_t>(std::ranges::count_if(
+        dialogs.log(), [&](const std::string& line) { return line.find(title) != line.npos; }));
 }
 
 std::filesystem::path WithFakeBatch::folder_of(int code) const {

@@ -3,13 +3,12 @@
 
 #include "extraction_fixture.h"
 
-#include "omb/base/form_dialog.h"
 #include "omb/base/message_box.h"
+#include "platform/window/headless.h"
 
-#include <functional>
 #include <vector>
 
-/// Answers boxes from a list (OK behind its end) and forms with a function.
+/// Answers boxes from a list (OK behind its end).
 class ScriptedWindow : public cl_window_port {
 public:
     struct Box {
@@ -19,12 +18,9 @@ public:
     int message_box(const std::string& text, const std::string& title, unsigned type,
                     cl_window_handle parent) override;
     bool error_dialog(const cl_error_dialog& dialog) override;
-    bool form_dialog(cl_form_dialog& dialog) override;
 
     std::vector<Box> boxes;
-    std::vector<cl_form_dialog> forms; ///< as they were shown
     std::deque<int> answers;
-    std::function<bool(cl_form_dialog&)> fill; ///< empty: cancelled
 };
 
 class WithFakeBatch : public ExtractionTest {
@@ -44,5 +40,9 @@ protected:
         return window->boxes.empty() ? "" : window->boxes.back().title;
     }
 
+    /// How often a dialog of a dialog file came up.
+    std::size_t times_shown(const std::string& title) const;
+
     ScriptedWindow* window = nullptr;
+    platform::HeadlessWindowSystem dialogs; ///< attended only while it has a script
 };

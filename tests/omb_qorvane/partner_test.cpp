@@ -351,20 +351,19 @@ TEST_F(Partner, ChangedSettingsAreImportedOnRequest) {
         ASSERT_TRUE(writer.Close());
         std::ofstream(folder / "option_globals.txt", std::ios::app) << "iks_resx; 555\n";
     }
+    EXPECT_FALSE(synch_options()) << "nobody is there";
+    dialogs.set_script({"IDCANCEL click"});
     EXPECT_FALSE(synch_options()) << "not confirmed";
-    EXPECT_EQ(window->forms[0].text,
-              "Use this button to import changed rendering settings from the Batch Render Window "
-              "for this drawing.\n\nSetting file path: " +
-                  (folder / "qor_doc.xml").string() +
-                  "\n\nCurrent Drawing: /drawings/house.dxf\n\nClick OK to import the changed "
-                  "settings.");
-    window->fill = [](cl_form_dialog&) { return true; };
+    EXPECT_EQ(get_global_string("sks_import_settings_file"), (folder / "qor_doc.xml").string());
+    EXPECT_EQ(get_global_string("sks_import_drawing"), "/drawings/house.dxf");
+    dialogs.set_script({"IDOK click"});
     EXPECT_TRUE(synch_options());
     EXPECT_EQ(theApp().tsdoc->GetMaxRenderPasses(), 91);
     set_global_int("iks_resx", 1);
     exporter().read_globals_from_OMB_QorvaneDictionary();
     EXPECT_EQ(get_global_int("iks_resx"), 555);
     std::ofstream(folder / "qor_doc.xml") << "<other/>";
+    dialogs.set_script({"IDOK click"});
     EXPECT_FALSE(synch_options());
     EXPECT_THAT(window->boxes, IsEmpty());
 }

@@ -48,8 +48,9 @@ TEST_F(Shell, RenderTakesItsStartCode) {
     EXPECT_THAT(port.written, testing::Not(HasSubstr("start dialog")));
     EXPECT_THAT(file("batch_file.txt"), HasSubstr("END;\n"));
     EXPECT_TRUE(acedCommand("RENDER"));
-    EXPECT_THAT(port.written, HasSubstr("kestra_start_rendering_modal is not there yet; going on "
-                                        "with the settings as they are.\n"));
+    EXPECT_THAT(port.written, HasSubstr("\nThere is no display for the dialog "
+                                        "kestra_start_rendering_modal; going on with the "
+                                        "settings as they are.\n"));
 }
 
 TEST_F(Shell, GreenButtonAsksForItsCode) {

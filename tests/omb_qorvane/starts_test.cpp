@@ -1,6 +1,7 @@
 // The starts, one for each CAD program: their folder, messages, dialogs, forced globals and order.
 #include "fake_batch_folder.h"
 
+#include "host/gs/view.h"
 #include "host/rx/module.h"
 #include "omb/base/registry.h"
 #include "omb/globals/globals.h"
@@ -48,17 +49,13 @@ protected:
 TEST_F(Starts, AsuniAsksForSizeAndSun) {
     set_global_double("rqor_sun_altitude", 0.5);
     set_global_double("rqor_sun_azimuth", 0.0);
-    window->fill = [](cl_form_dialog& form) {
-        EXPECT_EQ(form.title, "Dumibro Rendering");
-        EXPECT_EQ(form.rows[0].value, "600");
-        EXPECT_EQ(form.rows[2].value, "28.6478898");
-        EXPECT_EQ(form.rows[3].value, "0");
-        form.rows[0].value = "320";
-        form.rows[1].value = "200";
-        form.rows[2].value = "30";
-        form.rows[3].value = "180";
-        return true;
-    };
+    dialogs.set_script({"IDOK click"});
+    run_start(start_kind::asuni);
+    EXPECT_GT(times_shown("Dumibro Rendering"), 0U);
+    EXPECT_EQ(get_global_int("iks_resx"), 600) << "what is there comes up";
+    EXPECT_NEAR(get_global_double("rqor_sun_altitude"), 0.5, 1e-6) << "as degrees, and back";
+    dialogs.set_script({"width type 320", "height type 200", "altitude type 30", "azimuth type 180",
+                        "IDOK click"});
     run_start(start_kind::asuni);
     EXPECT_TRUE(started());
     const std::string options = file_of(GREEN_BUTTON_ASUNI, "option_globals.txt");
@@ -75,24 +72,33 @@ TEST_F(Starts, AsuniAsksForSizeAndSun) {
     EXPECT_EQ(params_of(GREEN_BUTTON_ASUNI)["WTITLE"], "Drawing Office");
     EXPECT_THAT(file_of(GREEN_BUTTON_ASUNI, "qor_render_params.txt"),
                 testing::StartsWith("#;Dumibro Rendering parameters\n"));
-    EXPECT_THAT(batch_log(1),
-                ElementsAre("KestraBatch|" +
-                            (folder_of(GREEN_BUTTON_ASUNI) / "qor_render_params.txt").string() +
-                            "|in omb_bin"));
+    EXPECT_THAT(
+        batch_log(1),
+        testing::Contains("KestraBatch|" +
+                          (folder_of(GREEN_BUTTON_ASUNI) / "qor_render_params.txt").string() +
+                          "|in omb_bin"));
 }
 
-TEST_F(Starts, AsuniCancelledOrAbsurdWritesNothing) {
+TEST_F(Starts, AsuniCancelledOrUnattendedWritesNothing) {
+    run_start(start_kind::asuni); // nobody is there
+    EXPECT_EQ(times_shown("Dumibro Rendering"), 0U);
+    dialogs.set_script({"width type 320", "IDCANCEL click"});
     run_start(start_kind::asuni);
-    EXPECT_EQ(window->forms.size(), 1U);
-    window->fill = [](cl_form_dialog& form) {
-        form.rows[0].value = "0";
-        return true;
-    };
-    run_start(start_kind::asuni);
+    EXPECT_GT(times_shown("Dumibro Rendering"), 0U);
     EXPECT_EQ(get_global_int("iks_resx"), 600);
     EXPECT_FALSE(started());
     EXPECT_FALSE(fs::exists(folder_of(GREEN_BUTTON_ASUNI) / "batch_file.txt"));
     EXPECT_FALSE(fs::exists(home / "batch.log"));
+}
+
+TEST_F(Starts, AsuniKeepsFiguresWithinTheirLimits) {
+    dialogs.set_script({"width type 0", "height type 99999", "altitude type -100",
+                        "azimuth type nonsense", "IDOK click"});
+    run_start(start_kind::asuni);
+    EXPECT_TRUE(started());
+    EXPECT_EQ(get_global_int("iks_resx"), 1);
+    EXPECT_EQ(get_global_int("iks_resy"), 32767) << "a drawing keeps 16 bits";
+    EXPECT_NEAR(get_global_double("rqor_sun_altitude"), -std::numbers::pi / 2, 1e-6);
 }
 
 TEST_F(Starts, DeltaTakesADefaultsFileAndABackground) {
@@ -165,7 +171,7 @@ TEST_F(Starts, GbcadForcesItsGlobals) {
     EXPECT_THAT(options, HasSubstr("\nbks_show_render_selection_set; 0\n"));
     EXPECT_EQ(params_of(GREEN_BUTTON_GBCAD)["APPLICATION_NAME"], "GBCAD");
     EXPECT_TRUE(get_global_bool("bks_show_about_dialog_before_rendering"));
-    EXPECT_THAT(window->forms, testing::IsEmpty());
+    EXPECT_THAT(dialogs.log(), testing::IsEmpty());
 }
 
 TEST_F(Starts, ZwcadRendersWhenItsDialogSaysSo) {
@@ -246,13 +252,43 @@ TEST_F(Starts, PlainAsksInItsOrder) {
     EXPECT_EQ(shown, 2);
 }
 
+TEST_F(Starts, TheStartDialogSetsSizeLightAndView) {
+    AcGsView view;
+    view.position = {10, -20, 30};
+    view.target = {1, 2, 3};
+    view.up = AcGeVector3d::kZAxis;
+    view.field_width = 4;
+    view.field_height = 3;
+    auto record = std::make_unique<AcDbViewTableRecord>();
+    record->setName("Garden");
+    AcDbObjectId id;
+    ASSERT_EQ(db().viewTable().add(std::move(record), id), Acad::eOk);
+    ASSERT_TRUE(acgsSetViewParameters(id, view));
+    dialogs.set_script({"iks_render_size select 5", "use_sketchup_aspect_ratio check 0",
+                        "iks_resx type 333", "iks_resy type 222", "lighting select 2",
+                        "view select 1", "IDOK click"});
+    EXPECT_EQ(plain_start(0, EXTRACT_AND_RENDER), 1);
+    const std::string options = file("option_globals.txt");
+    EXPECT_THAT(options, HasSubstr("\niks_render_size; 5\n"));
+    EXPECT_THAT(options, HasSubstr("\niks_resx; 332\n")) << "sizes are even";
+    EXPECT_THAT(options, HasSubstr("\niks_resy; 222\n"));
+    EXPECT_THAT(options, HasSubstr("\niks_lighting_preset_mode; 1\n")) << "interior with sun";
+    EXPECT_EQ(get_global_int("iks_current_preset"), 2);
+    AcGsView shown;
+    ASSERT_TRUE(acgsGetViewParameters(acedActiveViewportId(), shown));
+    EXPECT_NEAR(shown.position.z - shown.target.z, 27, 1e-6) << "the view Garden";
+    dialogs.set_script({"lighting select 1", "IDCANCEL click"});
+    EXPECT_EQ(plain_start(0, EXTRACT_AND_RENDER), -1);
+    EXPECT_EQ(get_global_int("iks_current_preset"), 2) << "a cancel sets no light";
+    EXPECT_EQ(get_global_int(after_dialog), 0);
+}
+
 TEST_F(Starts, EachHasItsWordsInTheParameterFile) {
     struct row {
         start_kind kind;
         int code;
         const char *head, *application, *caller, *exe;
     };
-    window->fill = [](cl_form_dialog&) { return true; };
     std::size_t calls = 0;
     for (const row& r :
          {row{start_kind::asuni, 1, "#;Dumibro ", "Dumibro", "QRAC_ASUNI", ""},
@@ -260,6 +296,9 @@ TEST_F(Starts, EachHasItsWordsInTheParameterFile) {
           row{start_kind::gbcad, 3, "#;GBCAD ", "GBCAD", "QRAC_GBCAD", ""},
           row{start_kind::zwcad, 4, "#;ZWCAD ", "ZWCAD Render", "QRAC_ZWCAD", ""},
           row{start_kind::brics, 5, "#;BricsCAD ", "Qorvane for BricsCAD", "QRAC_BRICS", "64"}}) {
+        if (r.kind == start_kind::asuni) {
+            dialogs.set_script({"IDOK click"});
+        }
         EXPECT_EQ(run_start(r.kind), 1) << r.application;
         std::map<std::string, std::string> values = params_of(r.code);
         EXPECT_THAT(file_of(r.code, "qor_render_params.txt"), testing::StartsWith(r.head));

@@ -1,4 +1,4 @@
-// Message boxes, the error dialog, its questions and forms, shown with widgets.
+// Message boxes, the error dialog and its questions, shown with widgets.
 #pragma once
 
 #include "omb/base/message_box.h"
@@ -13,7 +13,6 @@ public:
                     cl_window_handle parent) override;
     bool error_dialog(const cl_error_dialog& dialog) override;
     bool email_error_dialog(cl_email_error_dialog& dialog) override;
-    bool form_dialog(cl_form_dialog& dialog) override;
 };
 
 } // namespace KestraBatch

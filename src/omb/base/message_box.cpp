@@ -18,7 +18,6 @@ void to_trace(const std::string& text, const std::string& title) {
 } // namespace
 
 bool cl_window_port::email_error_dialog(cl_email_error_dialog&) { return false; }
-bool cl_window_port::form_dialog(cl_form_dialog&) { return false; }
 
 cl_headless_window_port::cl_headless_window_port(message_sink sink)
   : sink(std::move(sink)) {}

@@ -22,7 +22,6 @@ using cl_window_handle = void*;
 
 struct cl_email_error_dialog;
 struct cl_error_dialog;
-struct cl_form_dialog; // form_dialog.h
 
 class cl_window_port {
 public:
@@ -35,8 +34,6 @@ public:
     virtual bool error_dialog(const cl_error_dialog& dialog) = 0;
     /// Asks the dialog's questions and fills in the answers; false when the user gives up.
     virtual bool email_error_dialog(cl_email_error_dialog& dialog);
-    /// Shows a form modally and fills in its values; false when the user gives up, and by default.
-    virtual bool form_dialog(cl_form_dialog& dialog);
 };
 
 /// Receives what a program without windows would have shown.

@@ -2,7 +2,6 @@
 // was grabbed, to be looked at.
 #include "KestraBatch/window/qt_window_port.h"
 #include "omb/base/error_dialog.h"
-#include "omb/base/form_dialog.h"
 #include "tests/KestraBatch/window/window_fixture.h"
 
 #include <gtest/gtest.h>
@@ -275,28 +274,6 @@ TEST(QtWindowPort, answers_with_the_numbers_of_the_boxes) {
     on_next_box([](QWidget* box) { press(box, "More"); });
     EXPECT_TRUE(port.error_dialog(error));
     EXPECT_TRUE(more);
-}
-
-TEST(QtWindowPort, a_form_with_a_problem_is_not_confirmed) {
-    QtWindowPort port;
-    cl_form_dialog form{"Light", "Values of the light.", {}};
-    form.rows.push_back(cl_form_row::whole("Watts", 60, 0, 100));
-    cl_form_row style{"Style", cl_form_row::choice, "spot", {"point", "spot"}};
-    form.rows.push_back(style);
-    on_next_box([](QWidget* box) {
-        box->findChild<QLineEdit*>()->setText("500");
-        on_next_box([box](QWidget* warning) {
-            EXPECT_NE(warning, box);
-            warning->close();
-            box->findChild<QLineEdit*>()->setText("75");
-            keep(*box, "form");
-            QTimer::singleShot(50, box, [box] { press(box, "OK"); });
-        });
-        press(box, "OK");
-    });
-    EXPECT_TRUE(port.form_dialog(form));
-    EXPECT_EQ(form.rows[0].int_value(), 75);
-    EXPECT_EQ(form.rows[1].value, "spot");
 }
 
 /// What the window looks like in its states; kept only when somebody wants to look.
