@@ -3,6 +3,7 @@
 #include "platform/window/qt/qt_window.h"
 
 #include <QHeaderView>
+#include <QStyledItemDelegate>
 #include <QTreeWidget>
 
 #include <algorithm>
@@ -13,6 +14,16 @@ namespace platform {
 namespace {
 
 constexpr int row_number = Qt::UserRole; ///< data of an item: its row
+
+/// Rows with check marks need air between the marks.
+class MarkedRows : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        constexpr int air = 3; // pixels
+        return QStyledItemDelegate::sizeHint(option, index) + QSize(0, air);
+    }
+};
 
 class ListControl : public QtControl {
 public:
@@ -26,6 +37,9 @@ public:
         tree_->setEditTriggers(QAbstractItemView::NoEditTriggers);
         tree_->setContextMenuPolicy(Qt::CustomContextMenu);
         tree_->setTabKeyNavigation(false);
+        if (has_marks()) {
+            tree_->setItemDelegate(new MarkedRows(tree_));
+        }
         if (spec.multiple_selection) {
             tree_->setSelectionMode(QAbstractItemView::ExtendedSelection);
         }
@@ -144,12 +158,12 @@ void ListControl::set_columns(int count) {
     tree_->setColumnCount(count);
     QHeaderView* header = tree_->header();
     header->setStretchLastSection(true);
-    if (count == 1) {
-        header->setStretchLastSection(false); // a long row is reached by scrolling
-        header->setSectionResizeMode(0, QHeaderView::ResizeToContents);
-        header->setMinimumSectionSize(0);
+    if (count == 1) { // a long row is reached by scrolling
+        const QAbstractItemView* view = tree_;
+        header->setMinimumSectionSize(std::max(view->sizeHintForColumn(0), 1));
         return;
     }
+    header->setMinimumSectionSize(-1);
     for (int column = 0; column < count; ++column) {
         header->setSectionResizeMode(column, QHeaderView::Interactive);
         tree_->resizeColumnToContents(column);

@@ -69,7 +69,7 @@ test_gallery_choices : dialog {
                     value_table(1) "Cherry" = 10; value_table(1) "Tulip" = 11;
                     value_table(2) "Oak" = 20; value_table(2) "Lavender" = 21; value_table(2) "Rose" = 22;
                     value_table(3) "Fir" = 30; }
-                selection_list_box { sid = "checked"; label = "With check marks"; global = "sgallery_checked"; list_box_values = "sgallery_layers"; width = 30; height = 6.6; }
+                selection_list_box { sid = "checked"; label = "With check marks"; global = "sgallery_checked"; list_box_values = "sgallery_layers"; width = 30; height = 8.0; }
             }
         }
     }
