@@ -237,7 +237,9 @@ int show_dialog(const Options& options) {
     if (!options.grab.empty()) {
         return show_for_a_picture(options);
     }
-    return options.script.empty() ? show_on_the_display(options) : show_to_a_script(options);
+    // A log is worth having without a display too: nobody answers, and the dialog is cancelled.
+    const bool is_without_user = !options.script.empty() || (options.log && !has_display());
+    return is_without_user ? show_to_a_script(options) : show_on_the_display(options);
 }
 
 } // namespace apps

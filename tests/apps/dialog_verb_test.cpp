@@ -161,6 +161,9 @@ TEST_F(Dialogs, ShowPlaysAScriptAndKeepsTheProfile) {
     const Outcome nobody = run({"show", "test_ask", "--file", "test_ask.dcl"});
     EXPECT_EQ(nobody.code, 1);
     EXPECT_NE(nobody.err.find("there is no display"), std::string::npos) << nobody.err;
+    const Outcome logged = run({"show", "kestra_about", "--log"}); // opens and is cancelled
+    EXPECT_EQ(logged.code, 0) << logged.err;
+    EXPECT_NE(logged.out.find("* cancel kestra_about\n"), std::string::npos) << logged.out;
 }
 
 TEST_F(Dialogs, GrabWritesAPictureAtItsScale) {
