@@ -181,6 +181,7 @@ kestra_start_rendering_modal : dialog {
                         sid = "save_picture";
                         option_non_database_global = "bks_auto_name_image";
                         label = "Save the picture when it is &done";
+                        height = 1.2; // with the margins below: both columns end at one height
                         command = dc_update_dialog();
                     }
                 }
@@ -234,6 +235,7 @@ kestra_start_rendering_modal : dialog {
                         sid = "number_names";
                         option_non_database_global = "bks_make_auto_image_name_unique";
                         label = "Nu&mber it, replace nothing";
+                        margy = 3;
                         disable_if_not_global = "bks_auto_name_image";
                     }
                 }
@@ -243,6 +245,7 @@ kestra_start_rendering_modal : dialog {
                         sid = "close_window";
                         option_non_database_global = "bks_close_window_when_image_done";
                         label = "&Close the render window then";
+                        margy = 3;
                         disable_if_not_global = "bks_auto_name_image";
                     }
                 }
