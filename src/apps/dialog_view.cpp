@@ -79,12 +79,19 @@ std::string_view kind_name(int kind) {
     return row != rows.end() ? row->keyword : std::string_view("control");
 }
 
-int depth_of(const cl_dialog_item& item) {
-    int depth = 0;
-    for (const cl_dialog_item* up = item.parent_item; up != nullptr; up = up->parent_item) {
-        ++depth;
+/// A line for each control in `parent`, behind it those in it, indented by their depth.
+void add_children(const cl_dialog_item& parent, std::size_t depth, std::string& text) {
+    for (const cl_dialog_item* item = parent.first_child; item != nullptr;
+         item = item->next_sibling) {
+        const cl_dialog_rect& place = item->position;
+        const std::string name =
+            std::string(2 * depth, ' ') + std::string(kind_name(item->kind)) + " " + item->sid;
+        text += item->skip
+                    ? fmt::format("{:<48} skipped\n", name)
+                    : fmt::format("{:<48} at {:>4} {:>4}  size {:>4} x {:<4} id {}\n", name,
+                                  place.x, place.y, place.width, place.height, item->window_id);
+        add_children(*item, depth + 1, text);
     }
-    return depth;
 }
 
 } // namespace
@@ -218,15 +225,7 @@ std::string tree_text(const cl_dcl_data& data) {
     std::string text =
         fmt::format("{}  \"{}\"  {} x {}\n", data.name, expanded_title(data.root.label),
                     data.root.position.width, data.root.position.height);
-    for (const auto& item : data.controls) {
-        const cl_dialog_rect& place = item->position;
-        const std::string name = std::string(static_cast<std::size_t>(2 * depth_of(*item)), ' ') +
-                                 std::string(kind_name(item->kind)) + " " + item->sid;
-        text += item->skip
-                    ? fmt::format("{:<48} skipped\n", name)
-                    : fmt::format("{:<48} at {:>4} {:>4}  size {:>4} x {:<4} id {}\n", name,
-                                  place.x, place.y, place.width, place.height, item->window_id);
-    }
+    add_children(data.root, 1, text);
     return text;
 }
 
