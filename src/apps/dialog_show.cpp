@@ -175,7 +175,7 @@ int show_for_a_picture(const Options& options) {
     if (!widgets) {
         throw Failure{kFailed, error};
     }
-    WindowChoice choice(std::move(widgets));
+    WindowChoice choice(without_boxes(std::move(widgets)));
     choice.system().set_theme(options.theme == "dark" ? WindowTheme::dark : WindowTheme::light);
     const PictureTaker taker(choice.system(), options, script_lines(options));
     run_dialog_to_its_end(options, choice.system());

@@ -1,6 +1,7 @@
 // Window systems of the programs, see window_choice.h.
 #include "apps/window_choice.h"
 
+#include "omb/base/message_box.h"
 #include "omb/base/trace.h"
 #include "omb/dialog/dynamic_dialog.h"
 #include "omb/dialog/system_window_port.h"
@@ -21,9 +22,10 @@ class LateWindowSystem : public WindowSystem {
 public:
     LateWindowSystem() = default;
     LateWindowSystem(std::unique_ptr<WindowSystem> system,
-                     std::function<void(std::string_view)> notes)
+                     std::function<void(std::string_view)> notes, bool answers_safely = false)
       : real_(std::move(system))
-      , notes_(std::move(notes)) {}
+      , notes_(std::move(notes))
+      , answers_safely_(answers_safely) {}
 
     bool is_attended() override { return real().is_attended(); }
     std::unique_ptr<Window> make_window(const WindowSpec& spec) override {
@@ -37,23 +39,26 @@ public:
     WindowRect work_area(WindowPoint near) override { return real().work_area(near); }
     WindowPoint cursor() override { return real().cursor(); }
     int message_box(const MessageQuestion& question, Window* owner) override {
-        return real().message_box(question, owner);
+        return answers_safely_ ? cl_headless_window_port::safe_answer(question.type)
+                               : real().message_box(question, owner);
     }
     std::optional<std::string> choose_file(const FileQuestion& question, Window* owner) override {
-        return real().choose_file(question, owner);
+        return answers_safely_ ? std::nullopt : real().choose_file(question, owner);
     }
     std::optional<std::string> choose_folder(const std::string& title, const std::string& start,
                                              Window* owner) override {
-        return real().choose_folder(title, start, owner);
+        return answers_safely_ ? std::nullopt : real().choose_folder(title, start, owner);
     }
     std::optional<WindowColor> choose_color(const std::string& title, WindowColor color,
                                             Window* owner) override {
-        return real().choose_color(title, color, owner);
+        return answers_safely_ ? std::nullopt : real().choose_color(title, color, owner);
     }
     int pop_up_menu(const std::vector<MenuRow>& rows, WindowPoint at, Window* owner) override {
-        return real().pop_up_menu(rows, at, owner);
+        return answers_safely_ ? -1 : real().pop_up_menu(rows, at, owner);
     }
-    bool open_address(const std::string& address) override { return real().open_address(address); }
+    bool open_address(const std::string& address) override {
+        return answers_safely_ || real().open_address(address);
+    }
     std::string clipboard_text() override { return real().clipboard_text(); }
     void set_clipboard_text(std::string_view text) override { real().set_clipboard_text(text); }
     int start_timer(int milliseconds, std::function<void()> work) override {
@@ -90,6 +95,7 @@ private:
 
     std::unique_ptr<WindowSystem> real_;
     std::function<void(std::string_view)> notes_;
+    bool answers_safely_ = false; ///< boxes are not shown
 };
 
 bool is_set(const char* variable) {
@@ -148,6 +154,10 @@ std::unique_ptr<WindowSystem> with_notes(std::unique_ptr<WindowSystem> system,
     auto telling = std::make_unique<LateWindowSystem>(std::move(system), std::move(notes));
     telling->is_recording = true;
     return telling;
+}
+
+std::unique_ptr<WindowSystem> without_boxes(std::unique_ptr<WindowSystem> system) {
+    return std::make_unique<LateWindowSystem>(std::move(system), nullptr, true);
 }
 
 std::unique_ptr<WindowSystem> make_windows_when_needed(bool may_ask) {

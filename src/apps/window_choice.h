@@ -41,6 +41,10 @@ std::unique_ptr<platform::WindowSystem> make_widgets(std::string& error);
 std::unique_ptr<platform::WindowSystem> with_notes(std::unique_ptr<platform::WindowSystem> system,
                                                    std::function<void(std::string_view)> notes);
 
+/// The same system; what asks (boxes, menus) is answered safely and not shown: nobody is there.
+std::unique_ptr<platform::WindowSystem>
+without_boxes(std::unique_ptr<platform::WindowSystem> system);
+
 /// Widgets that are loaded with the first thing that is asked of them; when they cannot be had,
 /// that is traced and the system without a display stands in. Without a display in the session, or
 /// when nobody is to be asked, the latter alone.

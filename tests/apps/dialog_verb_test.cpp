@@ -186,6 +186,11 @@ TEST_F(Dialogs, GrabWritesAPictureAtItsScale) {
     EXPECT_GT(one.first, 300U);
     EXPECT_EQ(two, std::make_pair(2 * one.first, 2 * one.second));
     EXPECT_EQ(run({"show", "kestra_about", "--grab", "none/x.png"}).code, 5);
+    write("browse.txt", "browse_folder click\n"); // a box would wait for somebody
+    EXPECT_EQ(
+        run({"show", "kestra_start_rendering_modal", "--grab", "box.png", "--script", "browse.txt"})
+            .code,
+        0);
     write("wrong.txt", "nobody click\n");
     const Outcome wrong = run({"show", "kestra_about", "--grab", "x.png", "--script", "wrong.txt"});
     EXPECT_EQ(wrong.code, 1);
