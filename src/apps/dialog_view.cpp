@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <tuple>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -94,14 +93,17 @@ void add_children(const cl_dialog_item& parent, std::size_t depth, std::string& 
     }
 }
 
+bool has_text(const cl_dcl_token& token) { return token.tag == dlg_token_value::text_tag; }
+bool has_number(const cl_dcl_token& token) { return token.tag == dlg_token_value::int_tag; }
+
 } // namespace
 
-std::string tokens_json(const std::vector<DialogToken>& tokens) {
+std::string tokens_json(const std::vector<cl_dcl_token>& tokens) {
     ordered_json rows = ordered_json::array();
-    for (const DialogToken& token : tokens) {
+    for (const cl_dcl_token& token : tokens) {
         rows.push_back({{"code", token.code},
-                        {"text", token.text ? ordered_json(*token.text) : ordered_json()},
-                        {"int", token.number ? ordered_json(*token.number) : ordered_json()},
+                        {"text", has_text(token) ? ordered_json(token.text) : ordered_json()},
+                        {"int", has_number(token) ? ordered_json(token.number) : ordered_json()},
                         {"line", token.line}});
     }
     return rows.dump(1, ' ', false, ordered_json::error_handler_t::replace) + "\n";
@@ -134,18 +136,18 @@ std::string token_name(int code) {
 
 } // namespace
 
-std::string tokens_text(const std::vector<DialogToken>& tokens) {
+std::string tokens_text(const std::vector<cl_dcl_token>& tokens) {
     const auto keywords = dcl_keywords();
     std::string text;
-    for (const DialogToken& token : tokens) {
-        std::string value = token.text.value_or("");
-        if (token.number) {
+    for (const cl_dcl_token& token : tokens) {
+        std::string value = has_text(token) ? token.text : std::string();
+        if (has_number(token)) {
             const bool is_keyword = token.code != DCL_CONSTANT && token.code != DCL_VALUE_TABLE &&
-                                    *token.number >= 0 &&
-                                    static_cast<std::size_t>(*token.number) < keywords.size();
+                                    token.number >= 0 &&
+                                    static_cast<std::size_t>(token.number) < keywords.size();
             value = is_keyword
-                        ? std::string(keywords[static_cast<std::size_t>(*token.number)].keyword)
-                        : std::to_string(*token.number);
+                        ? std::string(keywords[static_cast<std::size_t>(token.number)].keyword)
+                        : std::to_string(token.number);
         }
         std::string line =
             fmt::format("{:>5}  {:<26} {}", token.line, token_name(token.code), value);
@@ -153,21 +155,6 @@ std::string tokens_text(const std::vector<DialogToken>& tokens) {
         text += line + "\n";
     }
     return text;
-}
-
-void add_errors(DialogReport& report, const std::vector<cl_dcl_error>& errors) {
-    const auto place = [](const cl_dcl_error& e) { return std::tie(e.file, e.line, e.message); };
-    for (const cl_dcl_error& error : errors) {
-        const bool known = std::ranges::any_of(
-            report.errors, [&](const cl_dcl_error& e) { return place(e) == place(error); });
-        if (!known) {
-            report.errors.push_back(error);
-        }
-    }
-    // Files stay in the order in which they were read.
-    std::ranges::stable_sort(report.errors, [](const cl_dcl_error& a, const cl_dcl_error& b) {
-        return a.file == b.file && std::tie(a.line, a.column) < std::tie(b.line, b.column);
-    });
 }
 
 std::string report_json(const DialogReport& report) {

@@ -2,37 +2,25 @@
 #pragma once
 
 #include "omb/dialog/dcl_data.h"
-#include "omb/dialog/dcl_loader.h"
+#include "omb/dialog/dcl_dump.h"
 
-#include <optional>
 #include <string>
 #include <vector>
 
 namespace apps {
 
-/// A word of a dialog file. Of `text` and `number` one is there, for a plain character neither.
-struct DialogToken {
-    int code = 0;
-    std::optional<std::string> text;
-    std::optional<int> number;
-    int line = 0;
-};
-
-std::string tokens_json(const std::vector<DialogToken>& tokens);
-std::string tokens_text(const std::vector<DialogToken>& tokens);
+std::string tokens_json(const std::vector<cl_dcl_token>& tokens);
+std::string tokens_text(const std::vector<cl_dcl_token>& tokens);
 
 /// What was found wrong with a file.
 struct DialogReport {
-    std::vector<cl_dcl_error> errors;  ///< each once, by their places
+    std::vector<cl_dcl_error> errors;  ///< in the order in which they were noticed
     std::vector<std::string> warnings; ///< what only shows when a dialog opens
     std::vector<std::string> trace;    ///< the trace's lines
     std::vector<std::string> dialogs;  ///< that were looked at
 
     bool ok() const { return errors.empty(); }
 };
-
-/// Takes the errors of one more look at the file; those that are there already are left out.
-void add_errors(DialogReport& report, const std::vector<cl_dcl_error>& errors);
 
 std::string report_json(const DialogReport& report);
 /// As a compiler tells it: place and message, then the line, then a caret below its column. A line

@@ -67,38 +67,13 @@ public:
 int run_tokens(const Options& options) {
     const std::string& path = options.operands.at(1);
     check_readable(path);
-    cl_dcl_data data;
-    cl_dcl_load_options how;
-    how.with_common_file = false;
-    how.report = false;
-    cl_dcl_loader loader(data, how);
-    cl_dcl_input_file file;
-    file.open_dcl_file(application_of(path_stem(path)), path_stem(path), path, false);
-    if (!loader.start_scan(std::move(file))) {
-        throw Failure{kUnreadable, fmt::format("{}: cannot be read", path)};
+    const cl_dcl_token_list list = list_dcl_tokens(path);
+    if (!list.readable) {
+        throw Failure{kUnreadable, fmt::format("{}: {}", path, list.message)};
     }
-    std::vector<DialogToken> tokens;
-    std::string failure;
-    try {
-        while (const int code = loader.dlg_lex()) {
-            const dlg_token_value& value = loader.take_value();
-            DialogToken token{code, {}, {}, loader.line_number()};
-            if (value.tag == dlg_token_value::text_tag) {
-                token.text = std::string(value.text);
-            } else if (value.tag == dlg_token_value::int_tag) {
-                token.number = value.number;
-            }
-            tokens.push_back(std::move(token));
-        }
-    } catch (const std::exception& error) {
-        failure = error.what();
-    }
-    answer(options.json ? tokens_json(tokens) : tokens_text(tokens));
+    answer(options.json ? tokens_json(list.tokens) : tokens_text(list.tokens));
     DialogReport report;
-    add_errors(report, loader.take_result().errors);
-    if (!failure.empty() && report.ok()) {
-        throw Failure{kFailed, fmt::format("{}: {}", path, failure)};
-    }
+    report.errors = list.errors;
     fmt::print(stderr, "{}", report_text(report, false));
     return report.ok() ? kDone : kFailed;
 }
@@ -134,7 +109,7 @@ DialogReport check_file(const Options& options) {
         }
         report.dialogs = {wanted};
     }
-    add_errors(report, result.errors);
+    report.errors = result.errors;
     if (report.ok()) {
         const std::vector<std::string> traced = report.trace; // the second reading traces it again
         for (const std::string& name : report.dialogs) {

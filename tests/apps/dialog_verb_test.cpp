@@ -85,6 +85,10 @@ TEST_F(Dialogs, CheckTellsMistakesAsCompilersDo) {
     ASSERT_FALSE(report["errors"].empty());
     EXPECT_EQ(report["errors"][0]["line"], 3);
     EXPECT_TRUE(report["trace"].is_array() && !report["trace"].empty());
+    write("test_twice.dcl", "test_twice : dialog { no = 1; no = 1; }\n");
+    const json twice = run_json({"check", "test_twice.dcl"}, 1)["errors"];
+    ASSERT_EQ(twice.size(), 2U) << "two mistakes of one line that read the same";
+    EXPECT_EQ(twice[0]["message"], twice[1]["message"]);
 }
 
 TEST_F(Dialogs, CheckTakesEveryDialogOrTheOneThatIsNamed) {

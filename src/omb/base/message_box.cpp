@@ -3,6 +3,7 @@
 
 #include "omb/base/error_dialog.h"
 #include "omb/base/trace.h"
+#include "platform/window/window_system.h"
 
 namespace {
 
@@ -33,18 +34,7 @@ bool cl_headless_window_port::error_dialog(const cl_error_dialog& dialog) {
     return true;
 }
 
-int cl_headless_window_port::safe_answer(unsigned type) {
-    switch (type & 0xf) {
-    case message_box::ok:
-        return message_box::id_ok;
-    case message_box::abort_retry_ignore:
-        return message_box::id_abort;
-    case message_box::yes_no:
-        return message_box::id_no;
-    default:
-        return message_box::id_cancel;
-    }
-}
+int cl_headless_window_port::safe_answer(unsigned type) { return platform::safe_answer(type); }
 
 cl_window_port& window_port() { return *port_holder(); }
 

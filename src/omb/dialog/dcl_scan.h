@@ -66,7 +66,6 @@ public:
     /// A string of the token read last went on in the next line with nothing between the words.
     bool string_ran_on() const { return ran_on; }
     void clear_string_ran_on() { ran_on = false; }
-    const std::string& defines() const { return defined_words; }
 
 protected:
     /// Places in the text that is being scanned.

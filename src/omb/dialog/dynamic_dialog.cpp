@@ -73,12 +73,6 @@ cl_dialog_item* cl_dynamic_dialog::get_window_box_control(const std::string& sid
     return nullptr;
 }
 
-cl_dialog_item* cl_dynamic_dialog::find_window_id(int window_id) const {
-    const auto found = std::find_if(controls.begin(), controls.end(),
-                                    [&](const auto& item) { return item->window_id == window_id; });
-    return found == controls.end() ? nullptr : found->get();
-}
-
 void cl_dynamic_dialog::save_dialog_position() {
     platform::Window* host = window_system().main_window();
     if (!is_open() || host == nullptr || root.fixed_location != 0 || is_sub) {

@@ -44,8 +44,6 @@ public:
     /// Typed lookups; null with a message when the control is of another kind.
     cl_dialog_item* get_tree_control(const std::string& sid);
     cl_dialog_item* get_window_box_control(const std::string& sid);
-    /// The control of that window id, or null.
-    cl_dialog_item* find_window_id(int window_id) const;
     void save_dialog_position();
 
     /// The click of a control, from the window system or from code.

@@ -4,7 +4,6 @@
 #include "platform/window/event_script.h"
 #include "platform/window/headless_window.h"
 
-#include <array>
 #include <charconv>
 #include <fmt/format.h>
 
@@ -14,9 +13,6 @@ namespace {
 
 constexpr int character_width = 6, character_height = 13;
 constexpr WindowSize host_size{1024, 768};
-
-/// Answers that change nothing, by box type: OK where there is only OK, else Cancel, No or Abort.
-constexpr std::array safe_answers = {1, 2, 3, 2, 7, 2};
 
 int number_of(std::string_view text, int base = 10) {
     int number = -1;
@@ -79,8 +75,7 @@ std::string HeadlessWindowSystem::take_answer() {
 }
 
 int HeadlessWindowSystem::message_box(const MessageQuestion& question, Window*) {
-    const std::size_t type = question.type & 0xf;
-    int answer = safe_answers[type < safe_answers.size() ? type : 0];
+    int answer = safe_answer(question.type);
     if (!answers.empty()) {
         const std::string given = take_answer();
         if (given == "more" && question.on_more) {
@@ -209,15 +204,6 @@ bool HeadlessWindowSystem::play_next() {
 
 std::vector<Window*> HeadlessWindowSystem::windows() const {
     return {open_windows.begin(), open_windows.end()};
-}
-
-Window* HeadlessWindowSystem::find_window(std::string_view name) const {
-    for (auto window = open_windows.rbegin(); window != open_windows.rend(); ++window) {
-        if ((*window)->spec().name == name) {
-            return *window;
-        }
-    }
-    return nullptr;
 }
 
 bool HeadlessWindowSystem::play(std::string_view line) {

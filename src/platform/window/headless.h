@@ -51,7 +51,6 @@ public:
     void have_main_window(bool there);
     /// The open windows in order of creation, without the main window.
     std::vector<Window*> windows() const;
-    Window* find_window(std::string_view name) const; ///< the newest of that name
     /// Plays one line of a script now, as a user would; false when it cannot be done.
     bool play(std::string_view line);
     /// Answers to the boxes to come, in order; without one the safe answer is given (no overwrite,

@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
@@ -170,6 +171,13 @@ struct MessageQuestion {
     std::string more_button; ///< one more button, which calls on_more; "" none
     std::function<void()> on_more;
 };
+
+/// The answer that changes nothing, by box type: OK where there is only OK, else Cancel, No, Abort.
+constexpr int safe_answer(unsigned type) {
+    constexpr int answers[] = {1, 2, 3, 2, 7, 2};
+    const unsigned set = type & 0xf;
+    return answers[set < std::size(answers) ? set : 1];
+}
 
 class WindowSystem {
 public:

@@ -45,7 +45,7 @@ TEST_F(QtWindows, MessageBoxesAnswerWithTheNumberOfTheButton) {
             box.button(row.pressed)->click();
         });
         EXPECT_EQ(show_message_box(question, nullptr), row.answer);
-        EXPECT_EQ(safe_message_answer(row.type), row.safe);
+        EXPECT_EQ(safe_answer(row.type), row.safe);
     }
     bool more = false;
     const MessageQuestion question{"title", "text", "where", 0x10, "More", [&] { more = true; }};

@@ -42,8 +42,6 @@ constexpr std::array<int, 6> button_sets{
     QMessageBox::Yes | QMessageBox::No,
     QMessageBox::Retry | QMessageBox::Cancel,
 };
-constexpr std::array<int, 6> safe_answers{1, 2, 3, 2, 7, 2};
-
 /// By icon number, in steps of 0x10.
 constexpr std::array<QMessageBox::Icon, 5> icons{QMessageBox::NoIcon, QMessageBox::Critical,
                                                  QMessageBox::Question, QMessageBox::Warning,
@@ -87,11 +85,6 @@ int number_of(const std::string& text) {
 
 } // namespace
 
-int safe_message_answer(unsigned type) {
-    const std::size_t set = type & 0xf;
-    return safe_answers[set < safe_answers.size() ? set : 0];
-}
-
 int show_message_box(const MessageQuestion& question, QWidget* parent) {
     const std::size_t set = question.type & 0xf, icon = (question.type >> 4) & 0xf;
     int shown = button_sets[set < button_sets.size() ? set : 0];
@@ -118,14 +111,14 @@ int show_message_box(const MessageQuestion& question, QWidget* parent) {
         if (question.on_more) {
             question.on_more();
         }
-        return safe_message_answer(question.type);
+        return safe_answer(question.type);
     }
     for (const ButtonRow& row : buttons) {
         if (row.button == pressed) {
             return row.id;
         }
     }
-    return safe_message_answer(question.type);
+    return safe_answer(question.type);
 }
 
 std::optional<std::string> show_file_box(const FileQuestion& question, QWidget* parent) {
@@ -188,7 +181,7 @@ int QtWindowSystem::message_box(const MessageQuestion& question, Window* owner) 
         question.on_more();
     }
     const int number = number_of(answer);
-    return number > 0 ? number : safe_message_answer(question.type);
+    return number > 0 ? number : safe_answer(question.type);
 }
 
 std::optional<std::string> QtWindowSystem::choose_file(const FileQuestion& question,

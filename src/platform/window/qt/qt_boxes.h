@@ -10,9 +10,6 @@ namespace platform {
 /// Shows the box and returns the number of the button; closing it is the safe answer. With another
 /// button the only standard one closes the box, and reads so.
 int show_message_box(const MessageQuestion& question, QWidget* parent);
-/// The answer that changes nothing, by box type: OK where there is only OK, else Cancel, No or
-/// Abort.
-int safe_message_answer(unsigned type);
 std::optional<std::string> show_file_box(const FileQuestion& question, QWidget* parent);
 std::optional<std::string> show_folder_box(const std::string& title, const std::string& start,
                                            QWidget* parent);
